@@ -1,0 +1,28 @@
+#include "methods/vpq.hpp"
+
+#include "engine/store.hpp"
+
+namespace lf {
+
+void VPQRec::grow(std::size_t n) {
+  for (Arr<double>* a : {&V, &TH, &E, &F, &PG, &QG, &PL, &QL, &PDC, &QDC}) a->grow(n);
+}
+
+void GLPRec::grow(std::size_t n) {
+  IGEN.grow(n);
+  ILOAD.grow(n);
+}
+
+namespace {
+template <typename R>
+R sized(std::size_t n) {
+  R r;
+  r.grow(n);
+  return r;
+}
+}  // namespace
+
+VPQRec VPQ = sized<VPQRec>(kCapBus);
+GLPRec GLP = sized<GLPRec>(kCapBus);
+
+}  // namespace lf

@@ -1,0 +1,88 @@
+// Arrays that count from 1 and fixed-width blank-padded text: the two shapes
+// in which the engine keeps all of its records.
+#pragma once
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lf {
+
+// A 1-based array: valid indices are 1..size(); index 0 exists but is unused.
+// grow() keeps the contents and fills the new tail with T{} (zero or blanks).
+template <typename T>
+class Arr {
+ public:
+  Arr() : v_(1) {}
+  explicit Arr(std::size_t n) : v_(n + 1) {}
+
+  T& operator[](std::ptrdiff_t i) {
+    assert(i >= 0 && static_cast<std::size_t>(i) < v_.size());
+    return v_[static_cast<std::size_t>(i)];
+  }
+  const T& operator[](std::ptrdiff_t i) const {
+    assert(i >= 0 && static_cast<std::size_t>(i) < v_.size());
+    return v_[static_cast<std::size_t>(i)];
+  }
+
+  // Highest valid index.
+  std::size_t size() const { return v_.size() - 1; }
+
+  // Makes sure that indices 1..n are valid; never shrinks.
+  void grow(std::size_t n) {
+    if (n + 1 > v_.size()) v_.resize(n + 1);
+  }
+  // Sets the size to exactly n, keeping the first min(size, n) elements.
+  void resize(std::size_t n) { v_.resize(n + 1); }
+  // Sets elements 1..n (at most size()) to T{}.
+  void clear(std::size_t n) { std::fill_n(v_.begin() + 1, std::min(n, size()), T{}); }
+  void fill(const T& x) { std::fill(v_.begin() + 1, v_.end(), x); }
+
+  T* data() { return v_.data(); }  // address of element 0
+  const T* data() const { return v_.data(); }
+
+ private:
+  std::vector<T> v_;
+};
+
+// N bytes of text, blank padded, without a terminator.
+template <std::size_t N>
+struct Text {
+  char c[N];
+
+  Text() { std::memset(c, ' ', N); }
+  Text(std::string_view s) { assign(s); }  // NOLINT: implicit by design
+  Text& operator=(std::string_view s) {
+    assign(s);
+    return *this;
+  }
+  Text& operator=(const char* s) {
+    assign(s ? std::string_view(s) : std::string_view());
+    return *this;
+  }
+
+  void assign(std::string_view s) {
+    std::size_t n = std::min(s.size(), N);
+    std::memcpy(c, s.data(), n);
+    std::memset(c + n, ' ', N - n);
+  }
+  static constexpr std::size_t size() { return N; }
+  std::string_view view() const { return std::string_view(c, N); }
+  std::string str() const { return std::string(c, N); }
+  // The text without its trailing blanks.
+  std::string trimmed() const {
+    std::size_t n = N;
+    while (n > 0 && c[n - 1] == ' ') --n;
+    return std::string(c, n);
+  }
+  bool blank() const { return trimmed().empty(); }
+  char& operator[](std::size_t i) { return c[i]; }  // 0-based byte access
+  const char& operator[](std::size_t i) const { return c[i]; }
+  friend bool operator==(const Text& a, const Text& b) { return std::memcmp(a.c, b.c, N) == 0; }
+};
+
+}  // namespace lf

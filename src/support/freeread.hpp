@@ -1,0 +1,71 @@
+// Free-form (list-directed) reading of the case files.
+//
+// A read statement starts on a new line and may run over several lines.
+// Values are separated by blanks and/or one comma; text may stand between
+// apostrophes or double quotes (a doubled quote stands for one) or, without
+// quotes, runs to the next blank, comma or slash.  A slash ends the statement
+// and leaves the remaining items unchanged; r*value repeats a value; r* or an
+// empty field between commas is a null that leaves its item unchanged.  An
+// integer item given a non-integer token is a read error.  A read returns
+// false at end of file or on error; items read before that keep their values.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <initializer_list>
+#include <span>
+#include <string>
+
+#include "support/arr.hpp"
+
+namespace lf {
+
+struct ReadItem {
+  enum class Kind { Int, Real, Chars, String };
+  Kind kind;
+  void* p;
+  std::size_t n;  // width of a Chars item
+
+  static ReadItem of(int32_t& x) { return {Kind::Int, &x, 0}; }
+  static ReadItem of(double& x) { return {Kind::Real, &x, 0}; }
+  static ReadItem of(std::string& s) { return {Kind::String, &s, 0}; }
+  template <std::size_t N>
+  static ReadItem of(Text<N>& t) {
+    return {Kind::Chars, t.c, N};
+  }
+};
+
+class FreeReader {
+ public:
+  FreeReader() = default;
+  explicit FreeReader(const std::string& path) { open(path); }
+  ~FreeReader() { close(); }
+  FreeReader(const FreeReader&) = delete;
+  FreeReader& operator=(const FreeReader&) = delete;
+
+  bool open(const std::string& path);  // false when the file cannot be opened
+  bool is_open() const { return f_ != nullptr; }
+  void close();
+
+  // One read statement over the given items.
+  bool read(std::span<const ReadItem> items);
+  template <typename... T>
+  bool operator()(T&... items) {
+    const ReadItem list[] = {ReadItem::of(items)...};
+    return read(list);
+  }
+  // Passes over one line without reading from it; false at end of file.
+  bool skip();
+  // The next line as it stands (without its line end); false at end of file.
+  bool line(std::string& out);
+  // Number of the last line taken, from 1.
+  long line_number() const { return lineno_; }
+
+ private:
+  bool next_line(std::string& out);
+  std::FILE* f_ = nullptr;
+  long lineno_ = 0;
+};
+
+}  // namespace lf

@@ -1,0 +1,15 @@
+#include "support/stop.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace lf {
+
+void stop_run(std::string_view text) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
+  std::fflush(stderr);
+  std::exit(1);
+}
+
+}  // namespace lf

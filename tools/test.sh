@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Builds the engine and runs the whole test suite through CTest.
+#   tools/test.sh             default build in build/
+#   tools/test.sh --sanitize  AddressSanitizer + UndefinedBehaviorSanitizer build in build-asan/
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash tools/install-deps.sh
+dir=build
+opts=(-DCMAKE_BUILD_TYPE=Release)
+if [ "${1:-}" = "--sanitize" ]; then
+  dir=build-asan
+  opts=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DLF_SANITIZE=ON -DLF_BUILD_BENCH=OFF)
+fi
+cmake -S . -B "$dir" "${opts[@]}"
+cmake --build "$dir" -j "$(nproc)"
+ctest --test-dir "$dir" --output-on-failure -j "$(nproc)"
