@@ -15,34 +15,58 @@ R sized(std::size_t n) {
 }
 }  // namespace
 
-void LL1Rec::grow(std::size_t n) { grow_all(n, basekv, busarea, busvmax, busvmin); }
-void IJRec::grow(std::size_t n) { grow_all(n, I, J, No, LOSSAREA); }
-void RXRec::grow(std::size_t n) { grow_all(n, R, X, B, T); }
-void IJOPENRec::grow(std::size_t n) { grow_all(n, I, J, No, mark); }
+void LL1Rec::grow(std::size_t n) {
+  grow_all(n, basekv, busarea, busvmax, busvmin);
+}
+void IJRec::grow(std::size_t n) {
+  grow_all(n, I, J, No, LOSSAREA);
+}
+void RXRec::grow(std::size_t n) {
+  grow_all(n, R, X, B, T);
+}
+void IJOPENRec::grow(std::size_t n) {
+  grow_all(n, I, J, No, mark);
+}
 void L2PRec::grow(std::size_t n) {
   grow_all(n, value_ctrl, mode_ctrl, par_group, ibs_ctrl, line_ctrl, I, J, No);
 }
 void L3PRec::grow(std::size_t n) {
   grow_all(n, value_ctrl, ang_shift, mode_ctrl, par_group, ibs_ctrl, line_ctrl, I, J, No);
 }
-void L3PPRec::grow(std::size_t n) { grow_all(n, Rm, Xm); }
+void L3PPRec::grow(std::size_t n) {
+  grow_all(n, Rm, Xm);
+}
 void NL4Rec::grow(std::size_t n) {
   grow_all(n, I, J, No, LOSSAREA, rpi_ohm, lpi_mh, rpj_ohm, lpj_mh, rl_ohm, ll_mh, rei_ohm, rej_ohm,
            lsi_mh, lsj_mh, vdrate_kv, vhi_kv, vli_kv, i_bridge, sti_mva, rti_ohm, xti_perc,
            vtimax_kv, vtimin_kv, i_tap, vhj_kv, vlj_kv, j_bridge, stj_mva, rtj_ohm, xtj_perc,
-           vtjmax_kv, vtjmin_kv, j_tap, op_mode, qci_mvar, qcj_mvar, pd1_mw, vd1_kv, a1min_d,
-           a10_d, gam1min_d, gam10_d, pd2_mw, vd2_kv, a2min_d, a20_d, gam2min_d, gam20_d);
+           vtjmax_kv, vtjmin_kv, j_tap, op_mode, qci_mvar, qcj_mvar, pd1_mw, vd1_kv, a1min_d, a10_d,
+           gam1min_d, gam10_d, pd2_mw, vd2_kv, a2min_d, a20_d, gam2min_d, gam20_d);
 }
-void L5Rec::grow(std::size_t n) { grow_all(n, P, Q, V, Angle, ibs, mode_ctrl, merged); }
+void L5Rec::grow(std::size_t n) {
+  grow_all(n, P, Q, V, Angle, ibs, mode_ctrl, merged);
+}
 void LPRec::grow(std::size_t n) {
   grow_all(n, Qmax, Qmin, Pmax, Pmin, value_ctrl, par_group, ibs_ctrl, line_ctrl);
 }
-void L5OLDRec::grow(std::size_t n) { grow_all(n, ibs, mode_ctrl, merged, map, P, Q, share); }
-void L6Rec::grow(std::size_t n) { grow_all(n, P, Q, V, Angle, ibs, No, mode_ctrl); }
-void L6PPRec::grow(std::size_t n) { grow_all(n, ibs, No, mode_ctrl, P, Q); }
-void LL7Rec::grow(std::size_t n) { grow_all(n, p_schedule, tolerance, pmax, unit, area_no); }
-void L10Rec::grow(std::size_t n) { grow_all(n, PG, QG, PL, QL, kv, area, name1, name2); }
-void ABCLCRec::grow(std::size_t n) { grow_all(n, ap, bp, cp, aq, bq, cq); }
+void L5OLDRec::grow(std::size_t n) {
+  grow_all(n, ibs, mode_ctrl, merged, map, P, Q, share);
+}
+void L6Rec::grow(std::size_t n) {
+  grow_all(n, P, Q, V, Angle, ibs, No, mode_ctrl);
+}
+void L6PPRec::grow(std::size_t n) {
+  grow_all(n, ibs, No, mode_ctrl, P, Q);
+}
+void LL7Rec::grow(std::size_t n) {
+  grow_all(n, p_schedule, tolerance, pmax, unit, area_no);
+}
+void L10Rec::grow(std::size_t n) {
+  grow_all(n, PG, QG, PL, QL, kv, area, name1, name2);
+}
+void ABCLCRec::grow(std::size_t n) {
+  grow_all(n, ap, bp, cp, aq, bq, cq);
+}
 void L13Rec::grow(std::size_t n) {
   grow_all(n, valid, group, type, I, J, sw1, sw2, sw3, line1, load1, line2, load2);
 }
@@ -81,9 +105,17 @@ ABCLCRec ABCLC = sized<ABCLCRec>(kCapLoadPar);
 L13Rec L13 = sized<L13Rec>(kCapSwitch);
 NNTOONRec NNTOON = sized<NNTOONRec>(kCapBus);
 
-void grow_buses(std::size_t n) { grow_all(n, L1, LL1, NNTOON); }
-void grow_branches(std::size_t n) { grow_all(n, IJB, RXB, IJOPEN, IJC, RXC, L2P, L3P, L3PP); }
-void grow_generators(std::size_t n) { grow_all(n, L5, L5P); }
-void grow_loads(std::size_t n) { grow_all(n, L6, L6P, L6PP); }
+void grow_buses(std::size_t n) {
+  grow_all(n, L1, LL1, NNTOON);
+}
+void grow_branches(std::size_t n) {
+  grow_all(n, IJB, RXB, IJOPEN, IJC, RXC, L2P, L3P, L3PP);
+}
+void grow_generators(std::size_t n) {
+  grow_all(n, L5, L5P);
+}
+void grow_loads(std::size_t n) {
+  grow_all(n, L6, L6P, L6PP);
+}
 
 }  // namespace lf

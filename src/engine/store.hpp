@@ -186,7 +186,7 @@ struct L13Rec {  // substation switch records
   void grow(std::size_t n);
 };
 
-struct NNTOONRec {  // node to case bus
+struct NNTOONRec {   // node to case bus
   Arr<int32_t> map;  // NNTOON.map[node] = case bus number
   int32_t maxno = 0, nnode = 0, nbase = 0;
   int32_t& operator[](std::ptrdiff_t i) { return map[i]; }

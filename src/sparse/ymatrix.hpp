@@ -16,8 +16,8 @@ namespace lf {
 constexpr std::size_t kCapYEntries = 25000;
 
 struct YRec {
-  Arr<double> YG, YB;               // conductance and susceptance of each entry
-  Arr<int32_t> IY;                  // first entry of each row (nnode + 1 used)
+  Arr<double> YG, YB;              // conductance and susceptance of each entry
+  Arr<int32_t> IY;                 // first entry of each row (nnode + 1 used)
   Arr<int32_t> JY, LKROW, LKNEXT;  // column of each entry, column chains
   // Makes room for n rows and ne entries.
   void grow(std::size_t n, std::size_t ne);

@@ -2,7 +2,8 @@
 //
 // A value too wide for its field prints as w asterisks.  Fw.d rounds
 // correctly and drops the zero before the point only when the field is too
-// narrow for it (-.5000 in F6.4).
+// narrow for it (-.5000 in F6.4).  Aw keeps the leftmost w characters of a
+// longer text and puts blanks in front of a shorter one.
 #pragma once
 
 #include <string>
@@ -10,10 +11,10 @@
 
 namespace lf {
 
-std::string fmt_i(long long v, int w);            // Iw
-std::string fmt_f(double v, int w, int d);        // Fw.d
-std::string fmt_e(double v, int w, int d);        // Ew.d: 0.ddddE+xx
-std::string fmt_a(std::string_view s, int w);     // Aw: cut or blank padded on the right
-std::string fmt_x(int n);                         // nX: n blanks
+std::string fmt_i(long long v, int w);         // Iw
+std::string fmt_f(double v, int w, int d);     // Fw.d
+std::string fmt_e(double v, int w, int d);     // Ew.d: 0.ddddE+xx
+std::string fmt_a(std::string_view s, int w);  // Aw
+std::string fmt_x(int n);                      // nX: n blanks
 
 }  // namespace lf

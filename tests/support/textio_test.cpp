@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "support/fmt.hpp"
+#include "support/freeread.hpp"
+
+namespace lf {
+namespace {
+
+std::string write_temp(const std::string& name, const std::string& text) {
+  auto path = std::filesystem::temp_directory_path() / ("lf_textio_" + name);
+  std::ofstream(path, std::ios::binary) << text;
+  return path.string();
+}
+
+TEST(FreeReader, ReadsValuesAcrossLinesWithQuotesCommasAndRepeats) {
+  FreeReader r(write_temp("a", "1, 2.5 'it''s a name' \"dq\"\n  -3\r\n4*7 2*, 9\nnext line\n"));
+  int32_t a = 0, c = 0;
+  double b = 0;
+  Text<8> name;
+  std::string dq;
+  ASSERT_TRUE(r(a, b, name, dq, c));
+  EXPECT_EQ(a, 1);
+  EXPECT_DOUBLE_EQ(b, 2.5);
+  EXPECT_EQ(name.str(), "it's a n");
+  EXPECT_EQ(dq, "dq");
+  EXPECT_EQ(c, -3);
+  // 4*7 gives four sevens; 2* two nulls that leave their items alone.
+  int32_t v[7] = {0, 0, 0, 0, 11, 12, 0};
+  ASSERT_TRUE(r(v[0], v[1], v[2], v[3], v[4], v[5], v[6]));
+  EXPECT_EQ(v[3], 7);
+  EXPECT_EQ(v[4], 11);
+  EXPECT_EQ(v[5], 12);
+  EXPECT_EQ(v[6], 9);
+  std::string rest;
+  ASSERT_TRUE(r.line(rest));
+  EXPECT_EQ(rest, "next line");
+  EXPECT_FALSE(r(a));
+}
+
+TEST(FreeReader, SlashAndEmptyFieldsLeaveItemsUnchanged) {
+  FreeReader r(write_temp("b", "5,,6\n,8 / 99\n1d2 , .5E1\n"));
+  int32_t a = 0, b = 42, c = 0;
+  ASSERT_TRUE(r(a, b, c));
+  EXPECT_EQ(a, 5);
+  EXPECT_EQ(b, 42);
+  EXPECT_EQ(c, 6);
+  a = 1;
+  b = 2;
+  c = 3;
+  ASSERT_TRUE(r(a, b, c));
+  EXPECT_EQ(a, 1);
+  EXPECT_EQ(b, 8);
+  EXPECT_EQ(c, 3);
+  double x = 0, y = 0;
+  ASSERT_TRUE(r(x, y));
+  EXPECT_DOUBLE_EQ(x, 100.0);
+  EXPECT_DOUBLE_EQ(y, 5.0);
+}
+
+TEST(FreeReader, ReportsErrorsAndEndOfFileKeepingWhatWasRead) {
+  FreeReader r(write_temp("c", "7 1.5\n3 abc\n4\n"));
+  int32_t a = 0, b = 0;
+  EXPECT_FALSE(r(a, b));  // 1.5 is no integer
+  EXPECT_EQ(a, 7);
+  double x = 0;
+  EXPECT_FALSE(r(a, x));  // abc is no number
+  EXPECT_EQ(a, 3);
+  EXPECT_FALSE(r(a, b));  // the file ends inside the statement
+  EXPECT_EQ(a, 4);
+  EXPECT_FALSE(r(a));
+  FreeReader missing;
+  EXPECT_FALSE(missing.open("/nonexistent/lf/file.L0"));
+  EXPECT_FALSE(missing(a));
+}
+
+TEST(Fmt, FixedPointRoundsAndOverflowsToAsterisks) {
+  EXPECT_EQ(fmt_f(1.23456, 8, 3), "   1.235");
+  EXPECT_EQ(fmt_f(-0.5, 7, 4), "-0.5000");
+  EXPECT_EQ(fmt_f(-0.5, 6, 4), "-.5000");
+  EXPECT_EQ(fmt_f(0.5, 5, 4), ".5000");
+  EXPECT_EQ(fmt_f(12345.6, 6, 2), "******");
+  EXPECT_EQ(fmt_f(3.0, 4, 0), "  3.");
+  EXPECT_EQ(fmt_f(-0.0001, 7, 2), "  -0.00");
+  EXPECT_EQ(fmt_f(2.675, 6, 2), "  2.67");  // 2.675 is stored just below the tie
+}
+
+TEST(Fmt, IntegersExponentsAndText) {
+  EXPECT_EQ(fmt_i(42, 5), "   42");
+  EXPECT_EQ(fmt_i(-1234, 4), "****");
+  EXPECT_EQ(fmt_i(0, 1), "0");
+  EXPECT_EQ(fmt_e(1234.56, 12, 4), "  0.1235E+04");
+  EXPECT_EQ(fmt_e(-0.00012, 11, 3), " -0.120E-03");
+  EXPECT_EQ(fmt_e(0.0, 10, 3), " 0.000E+00");
+  EXPECT_EQ(fmt_e(1e120, 10, 3), " 0.100+121");
+  EXPECT_EQ(fmt_a("abc", 5), "  abc");
+  EXPECT_EQ(fmt_a("abcdef", 4), "abcd");
+  EXPECT_EQ(fmt_x(3), "   ");
+}
+
+}  // namespace
+}  // namespace lf
