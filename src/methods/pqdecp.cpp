@@ -117,8 +117,6 @@ void formb1(Arr<double>& b) {
       if (!same) ++slot[lo];
     }
   }
-  for (int32_t i = 1; i <= n; ++i)
-    if (slack_bus(i)) cut(b, i);
   // Branches came in IJB order; put each row's slots in ascending column.
   for (int32_t i = 1; i <= n; ++i) {
     if (IOU[i] <= 1) continue;
@@ -132,6 +130,10 @@ void formb1(Arr<double>& b) {
       }
     }
   }
+  // Slack rows and columns are cut once the slots stand where Y's column
+  // chains expect them, so that the whole column of a slack bus is found.
+  for (int32_t i = 1; i <= n; ++i)
+    if (slack_bus(i)) cut(b, i);
 }
 
 void formb2(Arr<double>& b) {
