@@ -129,8 +129,7 @@ void wtrtac() {
   ln_row l;
   TablePass pl = open_pass("select * from ln", l, bindln, "Bindln failed!", Say::Print,
                            cli_for_update, "cli_fetch failed with code", 0);
-  while (cli_get_next(pl.stmt) == cli_ok) {
-    if ((l.q & 4) || (l.topflags & 4)) continue;
+  walk_kept(pl, l, [&](int32_t) {
     Flows f = flows_of(index.find(l.ibs, l.zbs, l.lnno));
     l.w = f.pij;
     l.r = f.qij;
@@ -141,20 +140,19 @@ void wtrtac() {
     l.i = f.ii;
     l.iz = -f.ij;
     cli_update(pl.stmt);
-  }
+  });
   close_pass(pl, true);
 
   cp_row c;
   TablePass pc = open_pass("select * from cp", c, bindcp, "Bindcp failed!", Say::Print,
                            cli_for_update, "cli_fetch failed with code", 0);
-  while (cli_get_next(pc.stmt) == cli_ok) {
-    if ((c.q & 1) || (c.topflags & 1)) continue;
+  walk_kept(pc, c, [&](int32_t) {
     Flows f = flows_of(index.find(c.ibs, c.ibs, c.cpno));
     c.w = f.pij;
     c.r = f.qij;
     c.i = f.ii;
     cli_update(pc.stmt);
-  }
+  });
   close_pass(pc, true);
 }
 
@@ -163,10 +161,7 @@ void wtrttrs() {
   xf_row x;
   TablePass p = open_pass("select * from xf", x, bindxf, "Bindxf failed!", Say::Print,
                           cli_for_update, "Wxf: cli_fetch failed with code", 0);
-  int32_t t = 0;
-  while (cli_get_next(p.stmt) == cli_ok) {
-    if ((x.q & 1) || (x.topflags & 4)) continue;
-    ++t;
+  walk_kept(p, x, [&](int32_t t) {
     Flows f = flows_of(index.find(x.ibs, x.zbs, x.xfno));
     int32_t ni = node(x.ibs), nj = node(x.zbs);
     // A transformer under a user-defined model carries the model's output
@@ -194,7 +189,7 @@ void wtrttrs() {
     x.pm = pm;
     x.qm = qm;
     cli_update(p.stmt);
-  }
+  });
   close_pass(p, true);
 }
 
@@ -202,25 +197,22 @@ void wtrtdc() {
   dln_row d;
   TablePass p = open_pass("select * from dln", d, binddln, "Binddln failed!", Say::Print,
                           cli_for_update, "Wdln: cli_fetch failed with code", 0);
-  int32_t m = 0;
-  while (cli_get_next(p.stmt) == cli_ok) {
-    if ((d.q & 4) || (d.topflags & 1) || (d.topflags & 2)) continue;
-    ++m;
-    if (m > LFINF.ndcline) break;  // a row beyond the lines that were read
+  walk_kept(p, d, [&](int32_t m) {
+    if (m > LFINF.ndcline) return;  // a row beyond the lines that were read
 #define LF_FROM(rec, name) d.name = rec.name[m];
     LF_FROM(DCLFOP, id10)
-    LF_FROM(DCLFOP, id20) LF_FROM(DCLFOP, vaci) LF_FROM(DCLFOP, vacj) LF_FROM(DCLFOP, pd1i)
-        LF_FROM(DCLFOP, qd1i) LF_FROM(DCLFOP, vd10i) LF_FROM(DCLFOP, tk1i) LF_FROM(DCLFOP, a10r_d)
-            LF_FROM(DCLFOP, pd1j) LF_FROM(DCLFOP, qd1j) LF_FROM(DCLFOP, vd10j) LF_FROM(DCLFOP, tk1j)
-                LF_FROM(DCLFOP, pd2i) LF_FROM(DCLFOP, qd2i) LF_FROM(DCLFOP, vd20i)
-                    LF_FROM(DCLFOP, tk2i) LF_FROM(DCLFOP, a20r_d) LF_FROM(DCLFOP, pd2j)
-                        LF_FROM(DCLFOP, qd2j) LF_FROM(DCLFOP, vd20j) LF_FROM(DCLFOP, tk2j)
-                            LF_FROM(DCBASE, vbi) LF_FROM(DCBASE, vbj) LF_FROM(DCBASE, vdb)
-                                LF_FROM(DCBASE, idb) LF_FROM(DCBASE, zdb) LF_FROM(DCBASE, ldb)
-                                    LF_FROM(DCBASE, tkbi) LF_FROM(DCBASE, tkbj) LF_FROM(DCLFPU, xci)
-                                        LF_FROM(DCLFPU, xcj) LF_FROM(DCLFPU, tkimax)
-                                            LF_FROM(DCLFPU, tkimin) LF_FROM(DCLFPU, tkjmax)
-                                                LF_FROM(DCLFPU, tkjmin)
+    LF_FROM(DCLFOP, id20)
+    LF_FROM(DCLFOP, vaci) LF_FROM(DCLFOP, vacj) LF_FROM(DCLFOP, pd1i) LF_FROM(DCLFOP, qd1i)
+        LF_FROM(DCLFOP, vd10i) LF_FROM(DCLFOP, tk1i) LF_FROM(DCLFOP, a10r_d) LF_FROM(DCLFOP, pd1j)
+            LF_FROM(DCLFOP, qd1j) LF_FROM(DCLFOP, vd10j) LF_FROM(DCLFOP, tk1j) LF_FROM(DCLFOP, pd2i)
+                LF_FROM(DCLFOP, qd2i) LF_FROM(DCLFOP, vd20i) LF_FROM(DCLFOP, tk2i)
+                    LF_FROM(DCLFOP, a20r_d) LF_FROM(DCLFOP, pd2j) LF_FROM(DCLFOP, qd2j)
+                        LF_FROM(DCLFOP, vd20j) LF_FROM(DCLFOP, tk2j) LF_FROM(DCBASE, vbi)
+                            LF_FROM(DCBASE, vbj) LF_FROM(DCBASE, vdb) LF_FROM(DCBASE, idb)
+                                LF_FROM(DCBASE, zdb) LF_FROM(DCBASE, ldb) LF_FROM(DCBASE, tkbi)
+                                    LF_FROM(DCBASE, tkbj) LF_FROM(DCLFPU, xci) LF_FROM(DCLFPU, xcj)
+                                        LF_FROM(DCLFPU, tkimax) LF_FROM(DCLFPU, tkimin)
+                                            LF_FROM(DCLFPU, tkjmax) LF_FROM(DCLFPU, tkjmin)
 #undef LF_FROM
         // The line's parameters, per unit since the DC set-up.
         d.rpi = NL4.rpi_ohm[m];
@@ -258,7 +250,7 @@ void wtrtdc() {
     d.rz = d.qd1j + d.qd2j;
     d.i = d.iz = d.id10 + d.id20;
     cli_update(p.stmt);
-  }
+  });
   close_pass(p, true);
 }
 
@@ -266,12 +258,9 @@ void wtrtgen() {
   un_row u;
   TablePass p = open_pass("select * from un", u, bindun, "Bindun failed!", Say::Print,
                           cli_for_update, "Wun: cli_fetch failed with code", 0);
-  int32_t g = 0;
-  while (cli_get_next(p.stmt) == cli_ok) {
-    if ((u.q & 1) || (u.topflags & 1)) continue;
-    ++g;
+  walk_kept(p, u, [&](int32_t g) {
     int32_t n = node(u.ibs);
-    if (n == 0) continue;
+    if (n == 0) return;
     // A unit takes its share of the node's generation when the merged unit
     // regulates; with a fixed merged unit it keeps the value it was given.
     double pg = VPQ.PG[n], qg = VPQ.QG[n];
@@ -287,7 +276,7 @@ void wtrtgen() {
       u.r = L5OLD.Q[g];
     }
     cli_update(p.stmt);
-  }
+  });
   close_pass(p, true);
 }
 
@@ -295,12 +284,9 @@ void wtrtload() {
   ld_row l;
   TablePass p = open_pass("select * from ld", l, bindld, "Bindld failed!", Say::Print,
                           cli_for_update, "Wld: cli_fetch failed with code", 0);
-  int32_t d = 0;
-  while (cli_get_next(p.stmt) == cli_ok) {
-    if ((l.q & 1) || (l.topflags & 1)) continue;
-    ++d;
+  walk_kept(p, l, [&](int32_t d) {
     int32_t n = node(l.ibs);
-    if (n == 0) continue;
+    if (n == 0) return;
     double pl = VPQ.PL[n], ql = VPQ.QL[n];
     int32_t c = L6.mode_ctrl[GLP.ILOAD[n]];  // type of the merged load
     if (LF93.loadshare == 0) {
@@ -338,7 +324,7 @@ void wtrtload() {
       }
     }
     cli_update(p.stmt);
-  }
+  });
   close_pass(p, true);
 }
 
