@@ -1,0 +1,7 @@
+#include "report/area.hpp"
+
+namespace lf {
+
+AREARec AREA;
+
+}  // namespace lf

@@ -1,0 +1,25 @@
+// Area interchange control: compares each area's actual export with its
+// schedule after a converged run and moves the regulating generators.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "support/arr.hpp"
+
+namespace lf {
+
+constexpr std::size_t kCapAreaNo = 200;  // area numbers 1..200
+
+struct AREARec {
+  Arr<double> PACT{kCapAreaNo};  // actual interchange by area number, per unit
+};
+
+extern AREARec AREA;
+
+// flag 0: all areas within tolerance (or no area records); 1: outputs were
+// changed, run the method again; 2: a regulating generator went over its
+// limit and all changes were taken back.
+void adjare(int32_t& flag);
+
+}  // namespace lf

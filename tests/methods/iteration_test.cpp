@@ -1,0 +1,194 @@
+// The shared machinery of the methods on tiny hand-made networks.
+#include "methods/iteration.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+
+#include "methods/vpq.hpp"
+#include "sparse/ymatrix.hpp"
+
+namespace lf {
+namespace {
+
+// Two buses joined by one branch, numbered as they come: bus 1 generator
+// rows, bus 2 load rows.  Rows are given by the test.
+void two_bus(double g, double b) {
+  NO.nnode = 2;
+  NEW[1] = 1;
+  NEW[2] = 2;
+  IOU[1] = 1;
+  IOU[2] = 0;
+  Y.IY[1] = 1;
+  Y.IY[2] = 3;
+  Y.IY[3] = 4;
+  Y.JY[1] = 1;
+  Y.JY[2] = 2;
+  Y.JY[3] = 2;
+  Y.YG[1] = g;
+  Y.YB[1] = b;
+  Y.YG[2] = -g;
+  Y.YB[2] = -b;
+  Y.YG[3] = g;
+  Y.YB[3] = b;
+}
+
+void gen(int32_t row, int32_t bus, int32_t type, double p, double q, double v, double ang = 0) {
+  L5.ibs[row] = bus;
+  L5.mode_ctrl[row] = type;
+  L5.P[row] = p;
+  L5.Q[row] = q;
+  L5.V[row] = v;
+  L5.Angle[row] = ang;
+}
+
+void load(int32_t row, int32_t bus, int32_t type, double p, double q, double v = 1) {
+  L6.ibs[row] = bus;
+  L6.mode_ctrl[row] = type;
+  L6.P[row] = p;
+  L6.Q[row] = q;
+  L6.V[row] = v;
+  L6.Angle[row] = 0;
+}
+
+TEST(Glpos, LoadRowFollowsGeneratorRow) {
+  NO.nnode = 6;
+  for (int i = 1; i <= 6; ++i) NEW[i] = 7 - i;
+  LFINF.ngenerat = 5;
+  LFINF.nload = 6;
+  gen(1, 1, 0, 0, 0, 1.04, 12);
+  gen(2, 2, -2, 0.5, 0, 1.02);
+  gen(3, 3, 1, 0.3, 0.1, 1);
+  gen(4, 4, 1, 0.3, 0.1, 1);
+  gen(5, 5, -3, 0.2, 0.1, 1);
+  load(1, 1, 1, 0.1, 0.1);
+  load(2, 2, 1, 0.1, 0.1);
+  load(3, 3, -1, 0.1, 0.1, 1.01);  // a fixed-voltage load row keeps its own type
+  load(4, 4, 5, 0.1, 0.1);         // a voltage-dependent load stays so
+  load(5, 5, 1, 0.1, 0.1);
+  load(6, 6, 1, 0.1, 0.1);  // no generator at bus 6
+  glpos();
+  EXPECT_EQ(GLP.IGEN[6], 1);  // internal numbers are reversed
+  EXPECT_EQ(GLP.ILOAD[6], 1);
+  EXPECT_EQ(GLP.IGEN[1], 0);
+  EXPECT_EQ(GLP.ILOAD[1], 6);
+  EXPECT_EQ(L6.mode_ctrl[1], 0);
+  EXPECT_EQ(L6.V[1], 1.04);
+  EXPECT_EQ(L6.Angle[1], 12);
+  EXPECT_EQ(L6.mode_ctrl[2], -2);
+  EXPECT_EQ(L6.V[2], 1.02);
+  EXPECT_EQ(L6.mode_ctrl[3], 1);
+  EXPECT_EQ(L6.mode_ctrl[4], 5);
+  EXPECT_EQ(L6.mode_ctrl[5], -3);
+  EXPECT_EQ(L6.mode_ctrl[6], 1);
+}
+
+TEST(Inivpq, FlatStartWithFixedVoltagesAndSlackAngle) {
+  two_bus(1, -10);
+  LFINF.ngenerat = 2;
+  LFINF.nload = 1;
+  gen(1, 1, 0, 0.9, 0.2, 1.05, 30);
+  gen(2, 2, -3, 0.5, 0.1, 1.2);    // read as P-Q: no voltage
+  load(1, 2, -1, 0.3, 0.1, 0.98);  // the load row has the last word
+  inivpq();
+  EXPECT_EQ(VPQ.V[1], 1.05);
+  EXPECT_EQ(VPQ.TH[1], 30 * kDegToRad);
+  EXPECT_EQ(VPQ.E[1], 1.05 * std::cos(30 * kDegToRad));
+  EXPECT_EQ(VPQ.V[2], 0.98);
+  EXPECT_EQ(VPQ.TH[2], 0);
+  EXPECT_EQ(VPQ.F[2], 0);
+  EXPECT_EQ(VPQ.PG[2], 0.5);
+  EXPECT_EQ(VPQ.QL[2], 0.1);
+}
+
+TEST(Allbpq, SumsBothTrianglesAndLeavesTheOtherOutputAlone) {
+  two_bus(2, -8);
+  Arr<double> e(2), f(2), ir(2), ii(2), pc(2), qc(2);
+  e[1] = 1;
+  e[2] = 0.9;
+  f[2] = -0.1;
+  qc[1] = qc[2] = 99;
+  allbpq(1, 2, e, f, ir, ii, pc, qc);
+  // I1 = y (V1 - V2), I2 = y (V2 - V1) with y = 2 - 8j
+  std::complex<double> y(2, -8), v1(1, 0), v2(0.9, -0.1);
+  std::complex<double> i1 = y * (v1 - v2), i2 = y * (v2 - v1);
+  EXPECT_NEAR(ir[1], i1.real(), 1e-15);
+  EXPECT_NEAR(ii[2], i2.imag(), 1e-15);
+  EXPECT_NEAR(pc[2], (v2 * std::conj(i2)).real(), 1e-15);
+  EXPECT_EQ(qc[1], 99);
+  allbpq(7, 2, e, f, ir, ii, pc, qc);  // an unknown k gives P
+  EXPECT_EQ(qc[2], 99);
+  allbpq(2, 2, e, f, ir, ii, pc, qc);
+  EXPECT_NEAR(qc[2], (v2 * std::conj(i2)).imag(), 1e-15);
+}
+
+TEST(Addspace, RightJustifies) {
+  BusName out;
+  addspace(BusName("BUS 7"), out);
+  EXPECT_EQ(out.str(), "               BUS 7");
+  addspace(BusName(""), out);
+  EXPECT_EQ(out.str(), std::string(20, ' '));
+}
+
+// Rows of both kinds at one bus: who gets the computed reactive power.
+TEST(Mismatch, FixedVoltageBusGivesComputedPowerToTheRowWithOutput) {
+  two_bus(1, -10);
+  LFINF.ngenerat = 1;
+  LFINF.nload = 2;
+  gen(1, 2, -1, 0.5, 0, 1.0);
+  load(1, 1, 0, 0.2, 0.1, 1.0);  // slack through its load row
+  load(2, 2, -1, 0.3, 0.2, 1.0);
+  glpos();
+  inivpq();
+  Arr<double> pc(2), qc(2), dp(2), dq(2);
+  pc[1] = -0.4;
+  pc[2] = 0.25;
+  qc[1] = 0.05;
+  qc[2] = 0.15;
+  VPQ.PDC[2] = 0.01;
+  mismatch_p(2, pc, dp);
+  EXPECT_EQ(dp[1], 0);
+  EXPECT_EQ(VPQ.PL[1], 0.4);  // no generator: the slack load takes -PC
+  EXPECT_DOUBLE_EQ(dp[2], 0.01 - 0.25 + 0.5 - 0.3);
+  mismatch_q(2, qc, dq, FixedV::Cut);
+  EXPECT_EQ(dq[2], 0);
+  EXPECT_EQ(VPQ.QG[2], 0.2 + 0.15);  // load Q + QC to the generator
+  EXPECT_EQ(VPQ.QL[2], 0.2);         // the load row keeps its own
+  VPQ.V[2] = 0.9;
+  mismatch_q(2, qc, dq, FixedV::Squared);
+  EXPECT_DOUBLE_EQ(dq[2], 1 - 0.81);
+
+  // A generator of no output leaves the computed power to the load row.
+  L5.P[1] = 0;
+  L5.Q[1] = 0.0000001;  // the single-precision 1e-7 itself still counts as none
+  VPQ.QG[2] = 7;
+  mismatch_q(2, qc, dq, FixedV::Cut);
+  EXPECT_EQ(VPQ.QG[2], 7);
+  EXPECT_EQ(VPQ.QL[2], -0.15);
+}
+
+TEST(Mismatch, VoltageDependentLoad) {
+  two_bus(1, -10);
+  LFINF.ngenerat = 0;
+  LFINF.nload = 1;
+  load(1, 2, 3, 0.4, 0.2, 1.1);
+  ABCLC.ap[3] = 0.5;
+  ABCLC.bp[3] = 0.3;
+  ABCLC.cp[3] = 0.2;
+  ABCLC.aq[3] = 1;
+  ABCLC.bq[3] = 0;
+  ABCLC.cq[3] = 0;
+  glpos();
+  inivpq();
+  VPQ.V[2] = 0.99;
+  Arr<double> pc(2), qc(2), dp(2), dq(2);
+  mismatch_p(2, pc, dp);
+  mismatch_q(2, qc, dq, FixedV::Cut);
+  const double r = 0.99 / 1.1;
+  EXPECT_DOUBLE_EQ(VPQ.PL[2], 0.4 * (0.5 * r * r + 0.3 * r + 0.2));
+  EXPECT_DOUBLE_EQ(dq[2], -0.2 * r * r);
+}
+
+}  // namespace
+}  // namespace lf
