@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
 #include "sparse/ymatrix.hpp"
@@ -139,7 +140,8 @@ void newlf(int32_t& convergent) {
 
   adjcount = 0;
   NEW.fill(0);
-  // The ordering fomy11(), the admittance matrix fomy12(), the DC lines dcval()
+  // The ordering fomy11(), then the admittance matrix fomy12()
+  dcval();
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
