@@ -4,18 +4,14 @@
 
 #include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
+#include "support/fmt.hpp"
 
 namespace lf {
 
-namespace {
-
-// Internal bus of a reduced bus number, 0 when it has none.
 int32_t internal_bus(int32_t reduced) {
   if (reduced < 1 || static_cast<std::size_t>(reduced) > NEW.size()) return 0;
   return NEW[reduced];
 }
-
-}  // namespace
 
 void glpos() {
   const int32_t n = NO.nnode;
@@ -226,6 +222,14 @@ BusName bus_label(int32_t bus, int32_t last) {
     break;
   }
   return out;
+}
+
+std::string table_count(int32_t t) {
+  return "    " + fmt_i(t, 3);
+}
+
+std::string table_cell(const BusName& name, double value) {
+  return " " + name.str() + " " + fmt_f(value, 12, 6);
 }
 
 }  // namespace lf

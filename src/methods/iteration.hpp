@@ -22,6 +22,9 @@ inline int32_t iter_type(int32_t mode_ctrl) {
   return mode_ctrl == -3 ? 1 : mode_ctrl;
 }
 
+// Internal number of a reduced bus number, 0 when it has none.
+int32_t internal_bus(int32_t reduced);
+
 // Fills GLP for buses 1..nnode and aligns the load row of a bus that also has
 // a generator row with that generator row (type, voltage, angle).
 void glpos();
@@ -64,5 +67,9 @@ void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed)
 // The right-justified name of internal bus `bus`: the case name of the first
 // reduced number in 1..last whose internal number it is; blanks when none.
 BusName bus_label(int32_t bus, int32_t last);
+
+// Pieces of an iteration table row: "    TTT" and " name value" (F12.6).
+std::string table_count(int32_t t);
+std::string table_cell(const BusName& name, double value);
 
 }  // namespace lf
