@@ -8,6 +8,7 @@
 
 #include "cli.h"
 #include "engine/store.hpp"
+#include "rtdb/rtdbls.hpp"
 
 namespace lf {
 
@@ -37,6 +38,37 @@ TablePass open_pass(const char* text, Row& row, int (*binder)(int, Row&), const 
   p.count = cli_fetch(p.stmt, for_update);
   check_fetch(p.count, fetch_message, min_count);
   return p;
+}
+
+// Rows that the load flow passes over, in reading and in writing alike: out
+// of service by their status bits.
+inline bool dropped(const ln_row& r) {
+  return (r.q & 4) || (r.topflags & 4);
+}
+inline bool dropped(const cp_row& r) {
+  return (r.q & 1) || (r.topflags & 1);
+}
+inline bool dropped(const xf_row& r) {
+  return (r.q & 1) || (r.topflags & 4);
+}
+inline bool dropped(const dln_row& r) {
+  return (r.q & 4) || (r.topflags & 3);
+}
+inline bool dropped(const un_row& r) {
+  return (r.q & 1) || (r.topflags & 1);
+}
+inline bool dropped(const ld_row& r) {
+  return (r.q & 1) || (r.topflags & 1);
+}
+
+// Walks the rows of a pass into row, calls act(k) for the k-th row not
+// dropped and returns the number of those rows.
+template <typename Row, typename Act>
+int32_t walk_kept(const TablePass& p, const Row& row, Act act) {
+  int32_t k = 0;
+  while (cli_get_next(p.stmt) == cli_ok)
+    if (!dropped(row)) act(++k);
+  return k;
 }
 
 // Frees the statement; a writing pass also gives up its lock.
