@@ -13,6 +13,7 @@
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
 #include "netprep/netprep.hpp"
+#include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
 #include "support/freeread.hpp"
@@ -141,8 +142,9 @@ void newlf(int32_t& convergent) {
 
   adjcount = 0;
   NEW.fill(0);
-  // The ordering fomy11(), then the admittance matrix fomy12()
-  dcval();
+  fomy11();  // the ordering
+  fomy12();  // the admittance matrix
+  dcval();   // the DC lines
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
