@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
 #include "netprep/netprep.hpp"
@@ -143,7 +144,7 @@ void newlf(int32_t& convergent) {
   NEW.fill(0);
   fomy11();  // the ordering
   fomy12();  // the admittance matrix
-  // The DC lines: dcval()
+  dcval();   // the DC lines
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
