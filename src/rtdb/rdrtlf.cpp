@@ -238,21 +238,50 @@ void rdrtdc() {
     NL4.No[m] = d.dlnno;
     strc2f(d.dv, kTextWidth);
     read_int(d.dv, kTextWidth, NL4.LOSSAREA[m]);
-// clang-format off
-#define LF_DC_FIELD(name) NL4.name[m] = d.name;
-    LF_DC_FIELD(rpi_ohm) LF_DC_FIELD(lpi_mh) LF_DC_FIELD(rpj_ohm) LF_DC_FIELD(lpj_mh)
-    LF_DC_FIELD(rl_ohm) LF_DC_FIELD(ll_mh) LF_DC_FIELD(rei_ohm) LF_DC_FIELD(rej_ohm)
-    LF_DC_FIELD(lsi_mh) LF_DC_FIELD(lsj_mh) LF_DC_FIELD(op_mode) LF_DC_FIELD(vdrate_kv)
-    LF_DC_FIELD(vd1_kv) LF_DC_FIELD(pd1_mw) LF_DC_FIELD(a1min_d) LF_DC_FIELD(a10_d)
-    LF_DC_FIELD(gam1min_d) LF_DC_FIELD(gam10_d) LF_DC_FIELD(vd2_kv) LF_DC_FIELD(pd2_mw)
-    LF_DC_FIELD(a2min_d) LF_DC_FIELD(a20_d) LF_DC_FIELD(gam2min_d) LF_DC_FIELD(gam20_d)
-    LF_DC_FIELD(vhi_kv) LF_DC_FIELD(vli_kv) LF_DC_FIELD(i_bridge) LF_DC_FIELD(qci_mvar)
-    LF_DC_FIELD(sti_mva) LF_DC_FIELD(rti_ohm) LF_DC_FIELD(xti_perc) LF_DC_FIELD(vtimax_kv)
-    LF_DC_FIELD(vtimin_kv) LF_DC_FIELD(i_tap) LF_DC_FIELD(vhj_kv) LF_DC_FIELD(vlj_kv)
-    LF_DC_FIELD(j_bridge) LF_DC_FIELD(qcj_mvar) LF_DC_FIELD(stj_mva) LF_DC_FIELD(rtj_ohm)
-    LF_DC_FIELD(xtj_perc) LF_DC_FIELD(vtjmax_kv) LF_DC_FIELD(vtjmin_kv) LF_DC_FIELD(j_tap)
-#undef LF_DC_FIELD
-    // clang-format on
+    NL4.rpi_ohm[m] = d.rpi_ohm;
+    NL4.lpi_mh[m] = d.lpi_mh;
+    NL4.rpj_ohm[m] = d.rpj_ohm;
+    NL4.lpj_mh[m] = d.lpj_mh;
+    NL4.rl_ohm[m] = d.rl_ohm;
+    NL4.ll_mh[m] = d.ll_mh;
+    NL4.rei_ohm[m] = d.rei_ohm;
+    NL4.rej_ohm[m] = d.rej_ohm;
+    NL4.lsi_mh[m] = d.lsi_mh;
+    NL4.lsj_mh[m] = d.lsj_mh;
+    NL4.op_mode[m] = d.op_mode;
+    NL4.vdrate_kv[m] = d.vdrate_kv;
+    NL4.vd1_kv[m] = d.vd1_kv;
+    NL4.pd1_mw[m] = d.pd1_mw;
+    NL4.a1min_d[m] = d.a1min_d;
+    NL4.a10_d[m] = d.a10_d;
+    NL4.gam1min_d[m] = d.gam1min_d;
+    NL4.gam10_d[m] = d.gam10_d;
+    NL4.vd2_kv[m] = d.vd2_kv;
+    NL4.pd2_mw[m] = d.pd2_mw;
+    NL4.a2min_d[m] = d.a2min_d;
+    NL4.a20_d[m] = d.a20_d;
+    NL4.gam2min_d[m] = d.gam2min_d;
+    NL4.gam20_d[m] = d.gam20_d;
+    NL4.vhi_kv[m] = d.vhi_kv;
+    NL4.vli_kv[m] = d.vli_kv;
+    NL4.i_bridge[m] = d.i_bridge;
+    NL4.qci_mvar[m] = d.qci_mvar;
+    NL4.sti_mva[m] = d.sti_mva;
+    NL4.rti_ohm[m] = d.rti_ohm;
+    NL4.xti_perc[m] = d.xti_perc;
+    NL4.vtimax_kv[m] = d.vtimax_kv;
+    NL4.vtimin_kv[m] = d.vtimin_kv;
+    NL4.i_tap[m] = d.i_tap;
+    NL4.vhj_kv[m] = d.vhj_kv;
+    NL4.vlj_kv[m] = d.vlj_kv;
+    NL4.j_bridge[m] = d.j_bridge;
+    NL4.qcj_mvar[m] = d.qcj_mvar;
+    NL4.stj_mva[m] = d.stj_mva;
+    NL4.rtj_ohm[m] = d.rtj_ohm;
+    NL4.xtj_perc[m] = d.xtj_perc;
+    NL4.vtjmax_kv[m] = d.vtjmax_kv;
+    NL4.vtjmin_kv[m] = d.vtjmin_kv;
+    NL4.j_tap[m] = d.j_tap;
   });
   close_pass(p, false);
 }
