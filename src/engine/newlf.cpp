@@ -11,6 +11,7 @@
 
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
+#include "netprep/netprep.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
 #include "support/freeread.hpp"
@@ -130,7 +131,7 @@ void newlf(int32_t& convergent) {
 
   // Network preparation.
   if (RMXMVALID != 0) dwrmxm();
-  // Substations, merging, opened line ends and islands: dwsubij()
+  dwsubij();  // substations, merging, opened line ends and islands
 
   // User-defined models: their reader rudlf(casename, udlibname), then
   // fmlfar() and udopio() when it found any.  Without them the count stays 0.
