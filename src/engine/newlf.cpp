@@ -9,9 +9,11 @@
 #include <tuple>
 #include <vector>
 
+#include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
 #include "netprep/netprep.hpp"
+#include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
 #include "support/freeread.hpp"
@@ -140,7 +142,9 @@ void newlf(int32_t& convergent) {
 
   adjcount = 0;
   NEW.fill(0);
-  // The ordering fomy11(), the admittance matrix fomy12(), the DC lines dcval()
+  fomy11();  // the ordering
+  fomy12();  // the admittance matrix
+  dcval();   // the DC lines
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
