@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "casefile/readers.hpp"
 #include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
@@ -128,7 +129,7 @@ void newlf(int32_t& convergent) {
   if (RTDBLSCMN.rtdbmode != 0) {
     // rdrtlf()
   } else {
-    // rdlf(casename, datalibname)
+    rdlf(casename, datalibname);
   }
 
   // Network preparation.
