@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "casefiles.hpp"
+#include "engine/errlist.hpp"
 
 namespace lf {
 namespace {
@@ -192,11 +193,16 @@ TEST_F(Readers, DcLinesKeepOnlyMarkOne) {
   EXPECT_EQ(NL4.gam20_d[1], 20.0);
 }
 
-TEST_F(Readers, MissingDcFileIsReportedAndTheRunGoesOn) {
+TEST_F(Readers, MissingDcFileGoesOnTheErrorList) {
   write(".L0", "0 0 0 2 0 0 0 0 0 0 0\n100.0 1.1 0.9 1e-6 1 30 0 0 0 0\n");
-  ::testing::internal::CaptureStdout();
+  const auto cwd = std::filesystem::current_path();
+  std::filesystem::current_path(dir_);
+  errlist_open();
   rdlf(name(), lib());
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), " File " + stem() + ".L4 not found !\n");
+  errlist_close();
+  std::filesystem::current_path(cwd);
+  EXPECT_EQ(test::slurp_file(dir_ / "LFERR.LIS"),
+            " ****** Operation Error Information ******\nFile " + stem() + ".L4 not found !\n");
   EXPECT_EQ(LFINF.ndcline, 0);
   EXPECT_THAT(messages(), IsEmpty());
 }
@@ -307,6 +313,26 @@ TEST_F(Readers, RecordsGrowPastTheirStartingCapacity) {
   EXPECT_EQ(LFINF.ngenerat, n);
   EXPECT_EQ(L1.busname[n].trimmed(), last);
   EXPECT_EQ(L5.ibs[n], n);
+}
+
+// Every file of a case cut short or with a bad character anywhere: the
+// reading keeps what it had and nothing breaks.
+TEST_F(Readers, CutAndSpoiltFilesAnywhere) {
+  write_case();
+  for (const char* ext : {".L0", ".L1", ".L2", ".L3", ".L5", ".L6", ".L7", ".L13"}) {
+    const std::string full = test::slurp_file(dir_ / (std::string("CASE") + ext));
+    for (std::size_t at = 0; at < full.size(); at += 5) {
+      write(ext, full.substr(0, at));
+      rdlf(name(), lib());
+      std::string spoilt = full;
+      spoilt[at] = 'x';
+      write(ext, spoilt);
+      rdlf(name(), lib());
+      EXPECT_LE(LFINF.nload, 2);
+      EXPECT_LE(NO.nbranch, 5);
+    }
+    write(ext, full);
+  }
 }
 
 // The bundled examples read without a word; the hand-written one has its
