@@ -43,27 +43,23 @@ double ac_base(double kv) {
 
 // The resistance that a line's current meets, by operating mode; a mode
 // outside the table keeps the value of the line before.
-double rdc_carry = 0;
-
-double dc_resistance(int32_t k) {
+void dc_resistance(int32_t k, double& rdc) {
   switch (NL4.op_mode[k]) {
     case 20:
-      rdc_carry = NL4.rl_ohm[k];
+      rdc = NL4.rl_ohm[k];
       break;
     case 10:
-      rdc_carry = NL4.rpi_ohm[k] + NL4.rl_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
+      rdc = NL4.rpi_ohm[k] + NL4.rl_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
       break;
     case 11:
-      rdc_carry = 2 * NL4.rl_ohm[k];
+      rdc = 2 * NL4.rl_ohm[k];
       break;
     case 12:
-      rdc_carry =
-          0.5 * NL4.rl_ohm[k] + NL4.rpi_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
+      rdc = 0.5 * NL4.rl_ohm[k] + NL4.rpi_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
       break;
     default:
       break;
   }
-  return rdc_carry;
 }
 
 // Holds a tap ratio inside its range; true when it had to be moved.
@@ -220,13 +216,14 @@ void dctran() {
     VPQ.PDC[a] = VPQ.QDC[a] = VPQ.PDC[b] = VPQ.QDC[b] = 0;
   }
   DCLFOPRec& op = DCLFOP;
+  double rdc = 0;
   for (int32_t k = 1; k <= n; ++k) {
     const int32_t a = NEW[NL4.I[k]], b = NEW[NL4.J[k]];
     const double va = VPQ.V[a], vb = VPQ.V[b];
     // Outside the window the last operating point stands, so that a poor
     // start of the AC iteration does not drive the converters.
     if (va >= kVoltageLow && va <= kVoltageHigh && vb >= kVoltageLow && vb <= kVoltageHigh) {
-      const double rdc = dc_resistance(k);
+      dc_resistance(k, rdc);
       op.vd10i[k] = DCLFPU.VD1PU[k];
       op.a10r_d[k] = NL4.a10_d[k];
       dcsub(k, rdc, op.vd10i[k], op.id10[k], op.a10r_d[k], NL4.gam10_d[k], op.tk1i[k], op.tk1j[k],

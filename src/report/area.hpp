@@ -22,4 +22,7 @@ extern AREARec AREA;
 // limit and all changes were taken back.
 void adjare(int32_t& flag);
 
+// The generator row that regulates area record rec, 0 when its bus has none.
+int32_t regulating_generator(int32_t rec);
+
 }  // namespace lf

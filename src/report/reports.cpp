@@ -1,0 +1,375 @@
+#include "report/reports.hpp"
+
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/channels.hpp"
+#include "methods/vpq.hpp"
+#include "report/area.hpp"
+#include "report/dcreports.hpp"
+#include "report/reportfile.hpp"
+#include "sparse/ymatrix.hpp"
+#include "support/fmt.hpp"
+#include "udmodel/lfudot.hpp"
+
+namespace lf {
+
+namespace {
+
+constexpr double kRadToDeg = 57.2957795;
+
+// Name of the bus that reduced bus b stands for.
+std::string bus_name(int32_t b) {
+  return L1.busname[NNTOON[b]].trimmed();
+}
+
+// One row of the slack bus table.
+void slack_row(int32_t b, double p, double q) {
+  wstring("  " + fmt_a(bus_name(b), 20) + " " + fmt_f(p, 9, 4) + " " + fmt_f(q, 9, 4));
+}
+
+void slack_head() {
+  wstring("  " + std::string(48, '-'));
+  wstring("       Slack Bus          P          Q");
+  wstring("  " + std::string(20, '-') + " " + std::string(9, '-') + " " + std::string(9, '-'));
+}
+
+// The currents at the two ends of a series branch, in rectangular form.
+struct EndCurrents {
+  double cr, cx, dr, dx;
+};
+
+EndCurrents end_currents(int32_t i, int32_t j, double R, double X, double B, double T, double Z) {
+  const double t = T > 0 ? T : 1.0;
+  const double a = t * VPQ.E[i] - VPQ.E[j];
+  const double b = t * VPQ.F[i] - VPQ.F[j];
+  const double sr = (R * a + X * b) / Z / t;
+  const double si = (R * b - X * a) / Z / t;
+  return {sr - B * VPQ.F[i], si + B * VPQ.E[i], -sr / t - B * VPQ.F[j], B * VPQ.E[j] - si / t};
+}
+
+// The branch that stands for a row as read: the first with the same number
+// and the same two case buses, in either order; NO.nbranch + 1 without one.
+class BranchIndex {
+ public:
+  BranchIndex() {
+    for (int32_t k = NO.nbranch; k >= 1; --k)
+      first_[key(IJB.No[k], NNTOON[IJB.I[k]], NNTOON[IJB.J[k]])] = k;
+  }
+  int32_t find(int32_t no, int32_t i, int32_t j) const {
+    auto it = first_.find(key(no, i, j));
+    return it == first_.end() ? NO.nbranch + 1 : it->second;
+  }
+
+ private:
+  struct Key {
+    int32_t no, lo, hi;
+    bool operator==(const Key&) const = default;
+  };
+  struct Hash {
+    std::size_t operator()(const Key& k) const {
+      std::size_t h = static_cast<uint32_t>(k.no);
+      h = h * 1000003u ^ static_cast<uint32_t>(k.lo);
+      return h * 1000003u ^ static_cast<uint32_t>(k.hi);
+    }
+  };
+  static Key key(int32_t no, int32_t i, int32_t j) { return {no, std::min(i, j), std::max(i, j)}; }
+  std::unordered_map<Key, int32_t, Hash> first_;
+};
+
+// Flows of the branch found for a row as read.  A row past the branch list
+// that holds no branch yields zeros.
+void row_flows(int32_t k, double& pij, double& qij, double& pji, double& qji, double& ci,
+               double& cj) {
+  pij = qij = pji = qji = ci = cj = 0;
+  if (k > NO.nbranch) {
+    if (static_cast<std::size_t>(k) > RXB.R.size()) return;
+    if (RXB.R[k] * RXB.R[k] + RXB.X[k] * RXB.X[k] == 0) return;
+  }
+  brpq(k, pij, qij, pji, qji, ci, cj);
+}
+
+std::string now_stamp() {
+  std::time_t t = std::time(nullptr);
+  std::tm tm{};
+  localtime_r(&t, &tm);
+  char buf[40];
+  std::snprintf(buf, sizeof buf, "%04d%02d%02d at %02d:%02d:%02d", tm.tm_year + 1900, tm.tm_mon + 1,
+                tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec);
+  return buf;
+}
+
+// .LPD: the voltage of every new node, once for each branch at it, with the
+// load number that it carries.
+void write_lpd(const CaseName& casename) {
+  const std::string path = casename.trimmed() + ".LPD";
+  std::remove(path.c_str());
+  const int32_t nbase = NNTOON.nbase, nnode = NNTOON.nnode;
+  if (nnode == nbase) return;
+  ReportFile out(path);
+  const auto node_slot = [&](int32_t k) -> int32_t {
+    return k > nbase && k <= nnode ? k - nbase - 1 : -1;
+  };
+  const std::size_t nnew = static_cast<std::size_t>(std::max(nnode - nbase, 0));
+  std::vector<std::vector<int32_t>> branches(nnew), shared(nnew);
+  std::vector<int32_t> first_load(nnew, 0);
+  for (int32_t b = 1; b <= NO.nbranch; ++b) {
+    const int32_t si = node_slot(IJB.I[b]);
+    if (si >= 0) branches[si].push_back(b);
+    const int32_t sj = node_slot(IJB.J[b]);
+    if (sj >= 0 && IJB.J[b] != IJB.I[b]) branches[sj].push_back(b);
+  }
+  for (int32_t r = LFINF.nload; r >= 1; --r) {
+    const int32_t s = node_slot(L6.ibs[r]);
+    if (s >= 0) first_load[s] = r;
+  }
+  for (int32_t q = 1; q <= L6PP.nloadold; ++q) {
+    const int32_t s = node_slot(L6PP.ibs[q]);
+    if (s >= 0) shared[s].push_back(q);
+  }
+  for (int32_t k = nbase + 1; k <= nnode; ++k) {
+    const int32_t i = NEW[k];
+    if (i == 0) continue;
+    const int32_t s = k - nbase - 1;
+    const std::string tail =
+        csv_f({VPQ.V[i], VPQ.TH[i] * kRadToDeg}, 15, 10) + "'" + L1.busname[NNTOON[k]].str() + "',";
+    const auto line = [&](int32_t b, int32_t n) {
+      out.put(csv_i({NNTOON[k], k, IJB.No[b], n}, 6) + tail);
+    };
+    const int32_t r = LFINF.nload > 0 ? first_load[s] : 0;
+    const int32_t n = r > 0 ? L6.No[r] : 0;
+    for (int32_t b : branches[s]) {
+      if (n < 1 && LF93.loadshare != 0 && r > 0) {
+        for (int32_t q : shared[s]) line(b, L6PP.No[q]);
+      } else {
+        line(b, n);
+      }
+    }
+  }
+}
+
+}  // namespace
+
+void brpq(int32_t k, double& pij, double& qij, double& pji, double& qji, double& ci, double& cj) {
+  const int32_t i = NEW[IJB.I[k]], j = NEW[IJB.J[k]];
+  const double R = RXB.R[k], X = RXB.X[k], B = RXB.B[k], T = RXB.T[k];
+  const double Z = R * R + X * X;
+  pji = qji = ci = cj = 0;
+  if (i == j) {  // shunt to ground
+    pij = VPQ.V[i] * VPQ.V[i] * R / Z;
+    qij = VPQ.V[i] * VPQ.V[i] * X / Z;
+    return;
+  }
+  const EndCurrents c = end_currents(i, j, R, X, B, T, Z);
+  pij = c.cr * VPQ.E[i] + c.cx * VPQ.F[i];
+  qij = c.cr * VPQ.F[i] - c.cx * VPQ.E[i];
+  pji = c.dr * VPQ.E[j] + c.dx * VPQ.F[j];
+  qji = c.dr * VPQ.F[j] - c.dx * VPQ.E[j];
+  ci = VPQ.V[i] * VPQ.V[i] * B;
+  cj = VPQ.V[j] * VPQ.V[j] * B;
+}
+
+void bracurrent(int32_t k, double& ii, double& ij) {
+  const int32_t i = NEW[IJB.I[k]], j = NEW[IJB.J[k]];
+  const double R = RXB.R[k], X = RXB.X[k];
+  const double Z = R * R + X * X;
+  if (i == j) {
+    ii = VPQ.V[i] * VPQ.V[i] / std::sqrt(Z);
+    ij = 0;
+    return;
+  }
+  const EndCurrents c = end_currents(i, j, R, X, RXB.B[k], RXB.T[k], Z);
+  ii = std::sqrt(c.cr * c.cr + c.cx * c.cx);
+  ij = std::sqrt(c.dr * c.dr + c.dx * c.dx);
+}
+
+void dwirii() {
+  for (int32_t i = 1; i <= NO.nnode; ++i) {
+    const double p = LFUDOT.UDPINJ[i], q = LFUDOT.UDQINJ[i];
+    if (std::fabs(p) + std::fabs(q) < 1e-7) continue;
+    if (const int32_t g = GLP.IGEN[i]; g > 0) {
+      if (L5.mode_ctrl[g] == 0) {
+        VPQ.PG[i] -= p;
+        VPQ.QG[i] -= q;
+      } else if (L5.mode_ctrl[g] == -1) {
+        VPQ.QG[i] -= q;
+      }
+    }
+    if (const int32_t l = GLP.ILOAD[i]; l > 0) {
+      if (L6.mode_ctrl[l] == 0) {
+        VPQ.PL[i] -= p;
+        VPQ.QL[i] -= q;
+      } else if (L6.mode_ctrl[l] == -1) {
+        VPQ.QL[i] -= q;
+      }
+    }
+  }
+}
+
+void prnslackbuspq() {
+  slack_head();
+  for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
+    const int32_t i = NEW[L5.ibs[g]];
+    if (i != 0 && L5.mode_ctrl[g] == 0) slack_row(L5.ibs[g], VPQ.PG[i], VPQ.QG[i]);
+  }
+  for (int32_t l = 1; l <= LFINF.nload; ++l) {
+    const int32_t i = NEW[L6.ibs[l]];
+    if (i != 0 && L6.mode_ctrl[l] == 0 && GLP.IGEN[i] == 0)
+      slack_row(L6.ibs[l], -VPQ.PL[i], -VPQ.QL[i]);
+  }
+}
+
+void wlp1(int32_t convergent, const CaseName& casename) {
+  {
+    ReportFile out(casename.trimmed() + ".LP1");
+    out.put(fmt_i(convergent != 0 ? 0 : 1, 3) + ",'LF Result File Created on " + now_stamp() +
+            "',");
+    for (int32_t k = 1; k <= NNTOON.nbase; ++k) {
+      const int32_t i = NEW[k];
+      if (i == 0) continue;
+      double angle = VPQ.TH[i] * kRadToDeg;
+      if (std::fabs(angle) > 360.0) angle -= std::trunc(angle / 360.0) * 360.0;
+      out.put(csv_i({k}, 4) + csv_f({VPQ.V[i], angle}, 15, 10));
+    }
+  }
+  write_lpd(casename);
+}
+
+void wlp2(const CaseName& casename) {
+  ReportFile out(casename.trimmed() + ".LP2");
+  const BranchIndex index;
+  double pij, qij, pji, qji, ci, cj;
+  for (int32_t r = 1; r <= LFINF.nacline; ++r) {
+    row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
+    out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
+            csv_f({pij, qij, -pji, -qji, ci, cj}, 10, 5));
+  }
+}
+
+void wlp3(const CaseName& casename) {
+  ReportFile out(casename.trimmed() + ".LP3");
+  const BranchIndex index;
+  double pij, qij, pji, qji, ci, cj;
+  for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
+    const int32_t r = LFINF.nacline + t;
+    row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
+    double pb = -pji, qb = -qji;
+    const int32_t i = NEW[IJOPEN.I[r]], j = NEW[IJOPEN.J[r]];
+    if (L3P.mode_ctrl[t] == 1 || L3P.mode_ctrl[t] == 2) {  // a model's transformer control
+      pij -= LFUDOT.UDPINJ[i];
+      qij -= LFUDOT.UDQINJ[i];
+      pb += LFUDOT.UDPINJ[j];
+      qb += LFUDOT.UDQINJ[j];
+    }
+    const double rm = L3PP.Rm[t], xm = L3PP.Xm[t];
+    double pm = 0, qm = 0;
+    if (!(std::fabs(rm) + std::fabs(xm) < 1e-11)) {  // magnetising branch
+      pm = rm * VPQ.V[i] * VPQ.V[i] / (rm * rm + xm * xm);
+      qm = xm * VPQ.V[i] * VPQ.V[i] / (rm * rm + xm * xm);
+      pij += pm;
+      qij += qm;
+    }
+    out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
+            csv_f({pij, qij, pb, qb, pm, qm}, 10, 5));
+  }
+}
+
+void wlp5(const CaseName& casename) {
+  ReportFile out(casename.trimmed() + ".LP5", ReportFile::kReplace);
+  if (!out.ok()) return;
+  for (int32_t r = 1; r <= L5OLD.ngenold; ++r) {
+    const int32_t b = L5OLD.ibs[r];
+    const int32_t i = NEW[b];
+    if (i == 0) continue;
+    const double share = L5OLD.share[r];
+    double p, q;
+    if (!(share < 1.0)) {
+      p = VPQ.PG[i];
+      q = VPQ.QG[i];
+    } else if (L5.mode_ctrl[L5OLD.map[r]] < 1) {
+      p = share * VPQ.PG[i];
+      q = share * VPQ.QG[i];
+    } else {
+      p = L5OLD.P[r];
+      q = L5OLD.Q[r];
+    }
+    // The row number as read also serves as a row of the merged generators here.
+    if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == 0)
+      slack_row(L5.ibs[r], VPQ.PG[i], VPQ.QG[i]);
+    std::string line(1, ' ');
+    line += csv_i({b}, 4) + csv_f({p, q}, 20, 10) + csv_i({L5OLD.merged[r]}, 6);
+    out.put(line);
+  }
+}
+
+void wlp6(const CaseName& casename) {
+  ReportFile out(casename.trimmed() + ".LP6");
+  const bool shares = LF93.loadshare != 0 && LFINF.nload != L6PP.nloadold;
+  std::unordered_map<int32_t, std::vector<int32_t>> as_read;  // rows of L6PP by bus
+  if (shares)
+    for (int32_t q = 1; q <= L6PP.nloadold; ++q) as_read[L6PP.ibs[q]].push_back(q);
+  for (int32_t r = 1; r <= LFINF.nload; ++r) {
+    const int32_t b = L6.ibs[r];
+    const int32_t i = NEW[b];
+    if (i == 0) continue;
+    if (L6.mode_ctrl[r] == 0 && GLP.IGEN[i] == 0) slack_row(b, -VPQ.PL[i], -VPQ.QL[i]);
+    if (shares && L6.No[r] == 0) {
+      const auto it = as_read.find(b);
+      const std::size_t c = it == as_read.end() ? 0 : it->second.size();
+      if (c > 1) {  // a merged load: each load as read gets its part
+        const int32_t m = L6.mode_ctrl[r];
+        for (int32_t q : it->second) {
+          double p, qq;
+          if (m == 0) {
+            p = VPQ.PL[i] / static_cast<double>(c);
+            qq = VPQ.QL[i] / static_cast<double>(c);
+          } else if (m < 0) {
+            p = L6PP.P[q];
+            qq = VPQ.QL[i] * L6PP.P[q] / VPQ.PL[i];
+          } else {
+            p = L6PP.P[q];
+            qq = L6PP.Q[q];
+          }
+          out.put(csv_i({NNTOON[L6PP.ibs[q]], L6PP.No[q]}, 4) + csv_f({p, qq}, 20, 10));
+        }
+        continue;
+      }
+    }
+    out.put(csv_i({NNTOON[b], L6.No[r]}, 4) + csv_f({VPQ.PL[i], VPQ.QL[i]}, 20, 10));
+  }
+}
+
+void wlp7(const CaseName& casename) {
+  ReportFile out(casename.trimmed() + ".LP7");
+  for (int32_t a = 1; a <= LFINF.narea; ++a) {
+    const int32_t no = LL7.area_no[a];
+    const double pact =
+        no >= 1 && static_cast<std::size_t>(no) <= AREA.PACT.size() ? AREA.PACT[no] : 0;
+    // An area whose regulating generator was not found shows 0 for its output.
+    const int32_t g = regulating_generator(a);
+    out.put(csv_i({no}, 4) + csv_f({pact, g > 0 ? L5.P[g] : 0.0}, 15, 8));
+  }
+}
+
+void wtlf(int32_t convergent, const CaseName& casename) {
+  wstring("", 0);
+  slack_head();
+  if (NU.nud > 0) dwirii();
+  if (NO.nnode != 0) wlp1(convergent, casename);
+  if (LFINF.nacline != 0) wlp2(casename);
+  if (LFINF.ntrans != 0) wlp3(casename);
+  if (LFINF.ndcline != 0) {
+    nwlp4(casename);
+    wlp4_new(casename);
+  }
+  if (LFINF.ngenerat != 0) wlp5(casename);
+  if (LFINF.nload != 0) wlp6(casename);
+  if (LFINF.ctrl_area != 0 && LFINF.narea != 0) wlp7(casename);
+  wstring("", 0);
+}
+
+}  // namespace lf
