@@ -11,6 +11,7 @@
 #include "methods/newton_frame.hpp"
 #include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
+#include "udmodel/lfudot.hpp"
 
 namespace lf {
 
@@ -66,6 +67,43 @@ inline void load_terms(int32_t row, double e, double f, double& aa, double& ab, 
   ad -= ((f * bq / v) / v0 + (2 * aq * f) / (v0 * v0)) * q0;
 }
 
+// The power form of row i from place k on: the derivatives of the power
+// balance, or for a bus with V given of the voltage equation.  Returns the
+// next free place.
+int32_t power_row(int32_t i, int32_t k, const Arr<double>& ir, const Arr<double>& ii,
+                  Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab,
+                  Arr<double>& ad) {
+  const double e = VPQ.E[i], f = VPQ.F[i];
+  const bool pq = pq_row(i);
+  return walk_row(i, k, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
+    const double g = Y.YG[p], b = Y.YB[p];
+    ja[kk] = j;
+    if (!diag) {
+      aa[kk] = -(e * g) - f * b;
+      ab[kk] = e * b - f * g;
+      ac[kk] = pq ? ab[kk] : 0;
+      ad[kk] = pq ? -aa[kk] : 0;
+      return;
+    }
+    double xa = (-ir[i] - e * g) - f * b;
+    double xb = (e * b - ii[i]) - f * g;
+    double xc, xd;
+    if (pq) {
+      xc = (e * b + ii[i]) - f * g;
+      xd = b * f + (e * g - ir[i]);
+      const int32_t l = GLP.ILOAD[i];
+      if (l != 0 && L6.mode_ctrl[l] > 1) load_terms(l, e, f, xa, xb, xc, xd);
+    } else {
+      xc = -2 * e;
+      xd = -2 * f;
+    }
+    aa[kk] = xa;
+    ab[kk] = xb;
+    ac[kk] = xc;
+    ad[kk] = xd;
+  });
+}
+
 }  // namespace
 
 void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
@@ -74,40 +112,8 @@ void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<i
   int32_t k = 1;
   ia[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
-    if (slack_bus(i)) {
-      k = identity_row(i, k, ja, aa, ac, ab, ad);
-      ia[i + 1] = k;
-      continue;
-    }
-    const double e = VPQ.E[i], f = VPQ.F[i];
-    const bool pq = pq_row(i);
-    k = walk_row(i, k, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
-      const double g = Y.YG[p], b = Y.YB[p];
-      ja[kk] = j;
-      if (!diag) {
-        aa[kk] = -(e * g) - f * b;
-        ab[kk] = e * b - f * g;
-        ac[kk] = pq ? ab[kk] : 0;
-        ad[kk] = pq ? -aa[kk] : 0;
-        return;
-      }
-      double xa = (-ir[i] - e * g) - f * b;
-      double xb = (e * b - ii[i]) - f * g;
-      double xc, xd;
-      if (pq) {
-        xc = (e * b + ii[i]) - f * g;
-        xd = b * f + (e * g - ir[i]);
-        const int32_t l = GLP.ILOAD[i];
-        if (l != 0 && L6.mode_ctrl[l] > 1) load_terms(l, e, f, xa, xb, xc, xd);
-      } else {
-        xc = -2 * e;
-        xd = -2 * f;
-      }
-      aa[kk] = xa;
-      ab[kk] = xb;
-      ac[kk] = xc;
-      ad[kk] = xd;
-    });
+    k = slack_bus(i) ? identity_row(i, k, ja, aa, ac, ab, ad)
+                     : power_row(i, k, ir, ii, ja, aa, ac, ab, ad);
     ia[i + 1] = k;
   }
 }
@@ -116,6 +122,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
             Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
             Arr<double>& ab, Arr<double>& ad) {
   const int32_t n = NO.nnode;
+  const bool inject = NU.nud != 0 || UPCLF != 0;  // the models' extra injections
   int32_t k = 1;
   ia[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
@@ -133,6 +140,10 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
     }
     // The injection given in the rows, loads at their nominal values.
     double sp = VPQ.PDC[i], sq = VPQ.QDC[i];
+    if (inject) {
+      sp += LFUDOT.UDPINJ[i];
+      sq += LFUDOT.UDQINJ[i];
+    }
     if (g5 != 0) {
       sp += L5.P[g5];
       sq += L5.Q[g5];
@@ -163,21 +174,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       d1[i] = ir[i] - cr;
       d2[i] = ii[i] - ci;
     } else {
-      k = walk_row(i, k, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
-        const double g = Y.YG[p], b = Y.YB[p];
-        ja[kk] = j;
-        if (!diag) {
-          aa[kk] = -(g * e) - b * f;
-          ab[kk] = e * b - f * g;
-          ac[kk] = 0;
-          ad[kk] = 0;
-          return;
-        }
-        aa[kk] = (-ir[i] - e * g) - b * f;
-        ab[kk] = (b * e - ii[i]) - g * f;
-        ac[kk] = -2 * e;
-        ad[kk] = -2 * f;
-      });
+      k = power_row(i, k, ir, ii, ja, aa, ac, ab, ad);
       d1[i] = sp - d1[i];
       d2[i] = vs * vs - vsq;
     }

@@ -11,8 +11,6 @@
 #include <optional>
 
 #include "dcline/dcline.hpp"
-#include "engine/channels.hpp"
-#include "methods/limit.hpp"
 #include "methods/newton_frame.hpp"
 
 namespace lf {
@@ -110,9 +108,7 @@ void correction_test(Form form, int32_t& status) {
       const double dmax = largest(w.X1, w.X2, w.n, ip);
       print_row(w, t, ip, dmax, form == Form::Optimum ? std::optional<double>(mu) : std::nullopt);
       if (dmax <= peps) {
-        int32_t changed = 0;
-        limit(w.QC, changed);
-        if (changed == 0) return;
+        if (limits_hold(w)) return;
         continue;
       }
       ++t;
@@ -120,9 +116,7 @@ void correction_test(Form form, int32_t& status) {
       if (t > LFINF.iteration) break;
       if (form == Form::Optimum) mu = optimum_factor(w, c1, c2);
       correct(w, mu);
-      int32_t stop = 0;
-      itrupt(stop);
-      if (stop != 0) {
+      if (interrupted()) {
         status = 0;
         return;
       }

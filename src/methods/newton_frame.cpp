@@ -4,6 +4,7 @@
 #include <string>
 
 #include "engine/channels.hpp"
+#include "methods/limit.hpp"
 #include "sparse/blockfactor.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
@@ -85,6 +86,18 @@ void correct(NewtonWork& w, double mu) {
     VPQ.V[i] = std::sqrt(E[i] * E[i] + F[i] * F[i]);
     VPQ.TH[i] = (std::fabs(E[i]) > 1e-20 || std::fabs(F[i]) > 1e-20) ? std::atan2(F[i], E[i]) : 0;
   }
+}
+
+bool limits_hold(NewtonWork& w) {
+  int32_t changed = 0;
+  limit(w.QC, changed);
+  return changed == 0;
+}
+
+bool interrupted() {
+  int32_t stop = 0;
+  itrupt(stop);
+  return stop != 0;
 }
 
 void print_heading(std::string_view title, int32_t rule, std::string_view columns, bool factor) {

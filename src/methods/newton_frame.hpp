@@ -67,6 +67,13 @@ double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& i
 // E -= mu X1, F -= mu X2 for every bus, then V and TH from them.
 void correct(NewtonWork& w, double mu);
 
+// At convergence: limit may switch bus types.  True when it changed none,
+// so that the method is done; otherwise it iterates on with the same T.
+bool limits_hold(NewtonWork& w);
+
+// Polls for the user's stop at the end of an iteration.
+bool interrupted();
+
 // Prints the heading of an iteration table, one line at a time.
 void print_heading(std::string_view title, int32_t rule, std::string_view columns, bool factor);
 

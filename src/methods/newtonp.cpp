@@ -4,7 +4,6 @@
 // that reached 0.5 still counts as converged.
 #include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
-#include "methods/limit.hpp"
 #include "methods/newton.hpp"
 #include "methods/newton_frame.hpp"
 #include "methods/pqdecp.hpp"
@@ -35,9 +34,7 @@ void newtonp(int32_t& status) {
       const double dmax = largest(w.D1, w.D2, w.n, ip);
       print_row(w, t, ip, dmax);
       if (dmax <= peps) {
-        int32_t changed = 0;
-        limit(w.QC, changed);
-        if (changed == 0) return;
+        if (limits_hold(w)) return;
         continue;
       }
       ++t;
@@ -47,9 +44,7 @@ void newtonp(int32_t& status) {
       firstdone = true;
       solve(w, w.D1, w.D2, w.X1, w.X2);
       correct(w, 1);
-      int32_t stop = 0;
-      itrupt(stop);
-      if (stop != 0) {
+      if (interrupted()) {
         status = 0;
         return;
       }

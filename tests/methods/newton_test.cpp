@@ -14,6 +14,7 @@
 #include "engine/channels.hpp"
 #include "engine/store.hpp"
 #include "methods/iteration.hpp"
+#include "methods/net.hpp"
 #include "methods/newton_frame.hpp"
 #include "methods/vpq.hpp"
 #include "sparse/ordering.hpp"
@@ -110,29 +111,15 @@ void load_case(double tolerance, int32_t iteration, int32_t gen2_type = -1, int 
     if (c + 2 < copies) branch(4 * c + 3, 4 * c + 11, 0.02, 0.2, 0);
   }
   for (int c = 0; c < copies; ++c) branch(4 * c + 3, 4 * c + 3, kShunt.r, kShunt.x, 0);
-  auto gen = [](int g, int bus, int type, double p, double v) {
-    L5.ibs[g] = bus;
-    L5.mode_ctrl[g] = type;
-    L5.P[g] = p;
-    L5.Q[g] = 0;
-    L5.V[g] = v;
-    L5.Angle[g] = 0;
-    L5P.Qmax[g] = 0.4;
-    L5P.Qmin[g] = -0.4;
-  };
-  auto load = [](int l, int bus, int type, double p, double q) {
-    L6.ibs[l] = bus;
-    L6.mode_ctrl[l] = type;
-    L6.P[l] = p;
-    L6.Q[l] = q;
-    L6.V[l] = 1.0;
-    L6.Angle[l] = 0;
-  };
   for (int c = 0; c < copies; ++c) {
-    gen(2 * c + 1, 4 * c + 1, 0, 0, 1.0);
-    gen(2 * c + 2, 4 * c + 2, gen2_type, 0.5, 1.02);
-    load(2 * c + 1, 4 * c + 3, 1, 0.8, 0.3);
-    load(2 * c + 2, 4 * c + 4, load4_type, 0.4, 0.15);
+    test::gen(2 * c + 1, 4 * c + 1, 0, 0, 0, 1.0);
+    test::gen(2 * c + 2, 4 * c + 2, gen2_type, 0.5, 0, 1.02);
+    test::load(2 * c + 1, 4 * c + 3, 1, 0.8, 0.3);
+    test::load(2 * c + 2, 4 * c + 4, load4_type, 0.4, 0.15);
+    for (int g = 2 * c + 1; g <= 2 * c + 2; ++g) {
+      L5P.Qmax[g] = 0.4;
+      L5P.Qmin[g] = -0.4;
+    }
   }
   ABCLC.ap[2] = 0.3, ABCLC.bp[2] = 0.3, ABCLC.cp[2] = 0.4;
   ABCLC.aq[2] = 0.5, ABCLC.bq[2] = 0.2, ABCLC.cq[2] = 0.3;
