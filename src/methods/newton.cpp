@@ -29,8 +29,10 @@ constexpr double kFactorStep = 9.999999747378752e-05;
 // after a step -mu X is D - mu J X + mu^2 C with C the power of X alone; the
 // sum of its squares has a cubic derivative, whose root near 1 is found by
 // Newton steps.  Without convergence in 30 steps the factor is 1.
-double optimum_factor(NewtonWork& w, Arr<double>& c1, Arr<double>& c2) {
-  allbpq(3, w.n, w.X1, w.X2, w.IR, w.II, c1, c2);
+double optimum_factor(NewtonWork& w) {
+  const Arr<double>& c1 = w.C1;
+  const Arr<double>& c2 = w.C2;
+  allbpq(3, w.n, w.X1, w.X2, w.IR, w.II, w.C1, w.C2);
   double g0 = 0, g1 = 0, g2 = 0, g3 = 0;
   for (int32_t i = 1; i <= w.n; ++i) {
     const double d1 = w.D1[i], d2 = w.D2[i];
@@ -88,12 +90,7 @@ void correction_test(Form form, int32_t& status) {
   status = 1;
   double peps = LFINF.tolerance;
   double pbest = 100000000;
-  NewtonWork w;
-  Arr<double> c1, c2;
-  if (form == Form::Optimum) {
-    c1.resize(w.n);
-    c2.resize(w.n);
-  }
+  NewtonWork& w = newton_work();
   int32_t ip = 0;
   for (;;) {  // one pass from the flat start
     heading(form);
@@ -114,7 +111,7 @@ void correction_test(Form form, int32_t& status) {
       ++t;
       pbest = std::min(pbest, dmax);
       if (t > LFINF.iteration) break;
-      if (form == Form::Optimum) mu = optimum_factor(w, c1, c2);
+      if (form == Form::Optimum) mu = optimum_factor(w);
       correct(w, mu);
       if (interrupted()) {
         status = 0;

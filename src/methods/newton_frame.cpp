@@ -11,28 +11,32 @@
 
 namespace lf {
 
-NewtonWork::NewtonWork() {
-  n = NO.nnode;
-  nent = 2 * NO.NYENT;
-  for (Arr<double>* a : {&IR, &II, &PC, &QC, &D1, &D2, &X1, &X2}) a->resize(n);
-  IA.resize(n + 1);
-  JA.resize(nent);
-  for (Arr<double>* a : {&AA, &AB, &AC, &AD}) a->resize(nent);
-  for (Arr<int32_t>* a : {&CHROW, &CHPOS}) a->resize(nent);
-  for (Arr<int32_t>* a : {&CHFIRST, &CHFIRSTROW, &UPFIRST, &IU}) a->resize(n + 1);
+NewtonWork& newton_work() {
+  static NewtonWork w;
+  const int32_t n = NO.nnode;
+  w.n = n;
+  w.nent = 2 * NO.NYENT;
+  for (Arr<double>* a : {&w.IR, &w.II, &w.PC, &w.QC, &w.D1, &w.D2, &w.X1, &w.X2, &w.C1, &w.C2})
+    a->grow(n);
+  w.IA.grow(n + 1);
+  w.JA.grow(w.nent);
+  for (Arr<double>* a : {&w.AA, &w.AB, &w.AC, &w.AD}) a->grow(w.nent);
+  for (Arr<int32_t>* a : {&w.CHROW, &w.CHPOS}) a->grow(w.nent);
+  for (Arr<int32_t>* a : {&w.CHFIRST, &w.CHFIRSTROW, &w.UPFIRST, &w.IU}) a->grow(n + 1);
   const std::size_t cap = 5 * static_cast<std::size_t>(NO.NYENT);
-  for (Arr<int32_t>* a : {&JU, &UNROW, &UNPOS}) a->resize(cap);
-  for (Arr<double>* a : {&LA, &LB, &LC, &LD, &UA, &UB, &UC, &UD}) a->resize(cap);
+  for (Arr<int32_t>* a : {&w.JU, &w.UNROW, &w.UNPOS}) a->grow(cap);
+  for (Arr<double>* a : {&w.LA, &w.LB, &w.LC, &w.LD, &w.UA, &w.UB, &w.UC, &w.UD}) a->grow(cap);
   // The table names a bus by the first case bus whose reduced number has its
   // internal number; one that has none is shown by the bus after the last.
   const int32_t nbus = LFINF.nbus;
-  FIRST.resize(n);
-  FIRST[0] = nbus + 1;
-  FIRST.fill(nbus + 1);
+  w.FIRST.grow(n);
+  w.FIRST[0] = nbus + 1;
+  w.FIRST.fill(nbus + 1);
   for (int32_t s = nbus; s >= 1; --s) {
     const int32_t i = NEW[s];
-    if (i >= 0 && i <= n) FIRST[i] = s;
+    if (i >= 0 && i <= n) w.FIRST[i] = s;
   }
+  return w;
 }
 
 void factorise(NewtonWork& w, bool first) {

@@ -26,15 +26,18 @@ inline bool pq_row(int32_t i) {
   return !(g != 0 && iter_type(L5.mode_ctrl[g]) < 0) && !(l != 0 && iter_type(L6.mode_ctrl[l]) < 0);
 }
 
-// Everything one call of a Newton-type method works on, sized once at the
-// start of the call from nnode and NYENT, so that the iterations allocate
-// nothing.
+// Everything a Newton-type method works on.  One store serves all calls: it
+// is sized at the start of each call from nnode and NYENT and keeps its
+// memory for later calculations, like the work arrays of the ordering, so
+// that neither the iterations nor a repeated calculation allocate or clear
+// memory.  Every value is written before it is read in a call.
 struct NewtonWork {
   int32_t n = 0;               // buses
   int32_t nent = 0;            // capacity of the Jacobian, 2 NYENT
   Arr<double> IR, II, PC, QC;  // bus current sums and calculated injections
   Arr<double> D1, D2;          // mismatches, the right-hand sides
   Arr<double> X1, X2;          // corrections of E and F
+  Arr<double> C1, C2;          // the power of the correction alone
   Arr<int32_t> IA, JA;         // the Jacobian by rows
   Arr<double> AA, AB, AC, AD;
   // Its block factors: the column chains of the matrix, then the L and U
@@ -43,8 +46,10 @@ struct NewtonWork {
   Arr<int32_t> IU, JU, UNROW, UNPOS;
   Arr<double> LA, LB, LC, LD, UA, UB, UC, UD;
   Arr<int32_t> FIRST;  // by internal bus: the first reduced number with that internal number
-  NewtonWork();
 };
+
+// The store, sized for the present case.
+NewtonWork& newton_work();
 
 // Forms the Jacobian's factors: with `first` the fill-in is found anew,
 // otherwise the pattern of the last such call is reused.

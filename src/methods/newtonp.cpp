@@ -17,7 +17,7 @@ constexpr double kRoughTolerance = 0.5;  // tolerance of the decoupled start
 void newtonp(int32_t& status) {
   const double peps = LFINF.tolerance;
   bool firstdone = false;  // the pattern is found once per call, across both passes
-  NewtonWork w;
+  NewtonWork& w = newton_work();
   int32_t ip = 0;
   for (int32_t pass = 1; pass <= 2; ++pass) {
     LFINF.tolerance = kRoughTolerance;

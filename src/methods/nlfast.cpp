@@ -32,9 +32,11 @@ void nlfast(int32_t& status) {
   // The best mismatch is not tracked by this method, so a second pass takes
   // its first solution.
   const double pbest = 100000000;
-  NewtonWork w;
+  NewtonWork& w = newton_work();
   const int32_t n = w.n;
-  Arr<double> e0(n), f0(n), p0(n), q0(n), c1(n), c2(n), xn1(n), xn2(n);
+  Arr<double> e0(n), f0(n), p0(n), q0(n), xn1(n), xn2(n);
+  Arr<double>& c1 = w.C1;
+  Arr<double>& c2 = w.C2;
   int32_t ip = 0;
   for (int32_t pass = 1; pass <= 2; ++pass) {
     put_line("  NOLINEAR METHOD ITERATIVE PROCESS");

@@ -251,7 +251,7 @@ TEST_F(NewtonTest, JacobiansAreTheDerivativesOfTheirMismatches) {
   load_case(1e-9, 20);
   glpos();
   inivpq();
-  NewtonWork w;
+  NewtonWork& w = newton_work();
   const int n = w.n;
   // A point away from the solution; the slack bus keeps its voltage.
   for (int i = 1; i <= n; ++i) {
