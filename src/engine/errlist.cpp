@@ -1,17 +1,15 @@
 #include "engine/errlist.hpp"
 
-#include <cstdio>
 #include <string>
 
 #include "engine/channels.hpp"
-#include "support/freeread.hpp"
+#include "support/units.hpp"
 
 namespace lf {
 
 namespace {
 
 constexpr const char* kErrListFile = "LFERR.LIS";
-std::FILE* errlist = nullptr;
 
 // The framing lines go out 49 characters long, trailing blanks included.
 void frame(std::string_view text) {
@@ -23,32 +21,24 @@ void frame(std::string_view text) {
 }  // namespace
 
 void errlist_open() {
-  errlist_close();
-  std::remove(kErrListFile);
-  errlist = std::fopen(kErrListFile, "w");
-  if (!errlist) return;
-  std::fputc(' ', errlist);
-  errlist_write(kErrListHeader);
+  if (unit_open(kErrUnit, kErrListFile, FileStatus::Old)) unit_close(kErrUnit, true);
+  if (!unit_open(kErrUnit, kErrListFile, FileStatus::New)) return;
+  unit_write_line(kErrUnit, " " + std::string(kErrListHeader));
 }
 
 void errlist_write(std::string_view line) {
-  if (!errlist) return;
-  std::fwrite(line.data(), 1, line.size(), errlist);
-  std::fputc('\n', errlist);
+  unit_write_line(kErrUnit, line);
 }
 
 void errlist_close() {
-  if (errlist) std::fclose(errlist);
-  errlist = nullptr;
+  unit_close(kErrUnit);
 }
 
 void serror() {
-  if (!errlist) return;
-  std::fflush(errlist);
-  FreeReader in(kErrListFile);
+  unit_rewind(kErrUnit);
   std::string line;
   int count = 0;
-  while (in.line(line)) {
+  while (unit_read_line(kErrUnit, line)) {
     line.resize(80, ' ');  // lines are read as 80 characters
     ++count;
     if (count == 1) continue;  // the header

@@ -9,8 +9,11 @@
 #include <tuple>
 #include <vector>
 
+#include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
+#include "netprep/netprep.hpp"
+#include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
 #include "support/freeread.hpp"
@@ -130,7 +133,7 @@ void newlf(int32_t& convergent) {
 
   // Network preparation.
   if (RMXMVALID != 0) dwrmxm();
-  // Substations, merging, opened line ends and islands: dwsubij()
+  dwsubij();  // substations, merging, opened line ends and islands
 
   // User-defined models: their reader rudlf(casename, udlibname), then
   // fmlfar() and udopio() when it found any.  Without them the count stays 0.
@@ -139,7 +142,9 @@ void newlf(int32_t& convergent) {
 
   adjcount = 0;
   NEW.fill(0);
-  // The ordering fomy11(), the admittance matrix fomy12(), the DC lines dcval()
+  fomy11();  // the ordering
+  fomy12();  // the admittance matrix
+  dcval();   // the DC lines
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);

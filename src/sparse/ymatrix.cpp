@@ -1,6 +1,10 @@
 #include "sparse/ymatrix.hpp"
 
+#include <algorithm>
+#include <cmath>
+
 #include "engine/store.hpp"
+#include "support/sortsearch.hpp"
 
 namespace lf {
 
@@ -24,5 +28,101 @@ YRec make_y() {
 YRec Y = make_y();
 Arr<int32_t> NEW(kCapBus);
 Arr<int32_t> IOU(kCapBus);
+
+}  // namespace lf
+
+namespace lf {
+
+namespace {
+// Impedances smaller than this in squared size are taken at this size.
+constexpr double kTinyZ2 = 1e-20;
+// A turns ratio at or below this (single-precision 1e-6) counts as 1.
+constexpr double kMinRatio = 9.999999974752427e-07;
+}  // namespace
+
+void formy(int32_t nb, int32_t n, int32_t ny, const Arr<int32_t>& newnum, const Arr<int32_t>& iou,
+           const Arr<int32_t>& i, const Arr<int32_t>& j, const Arr<double>& r, const Arr<double>& x,
+           const Arr<double>& bc, const Arr<double>& k, Arr<double>& yg, Arr<double>& yb,
+           Arr<int32_t>& iy, Arr<int32_t>& jy) {
+  // Row layout: diagonal first, then room for the distinct higher neighbours.
+  Arr<int32_t> tail(static_cast<std::size_t>(std::max(n, 0)));
+  iy[1] = 1;
+  for (int32_t row = 1; row <= n; ++row) {
+    iy[row + 1] = iy[row] + iou[row] + 1;
+    jy[iy[row]] = row;
+    tail[row] = iy[row];
+  }
+  yg.clear(static_cast<std::size_t>(ny));
+  yb.clear(static_cast<std::size_t>(ny));
+
+  for (int32_t br = 1; br <= nb; ++br) {
+    double z2 = r[br] * r[br] + x[br] * x[br];
+    if (std::fabs(z2) < kTinyZ2) z2 = kTinyZ2;
+    double g = r[br] / z2;
+    double b = -x[br] / z2;
+    double kk = k[br] > kMinRatio ? k[br] : 1.0;
+    int32_t a = newnum[i[br]];
+    int32_t c = newnum[j[br]];
+    if (a != c) {
+      int32_t lo = std::min(a, c), hi = std::max(a, c);
+      int32_t base = iy[lo];
+      int32_t pos = 0, found = 0;
+      q2searchi(jy.data() + base + 1, tail[lo] - base, hi, pos, found);
+      int32_t at = base + pos;
+      if (found == 0) {
+        // Open a place behind pos, keeping the row's columns ascending.
+        ++at;
+        for (int32_t t = tail[lo]; t >= at; --t) {
+          jy[t + 1] = jy[t];
+          yg[t + 1] = yg[t];
+          yb[t + 1] = yb[t];
+        }
+        yg[at] = 0.0;
+        yb[at] = 0.0;
+        ++tail[lo];
+      }
+      jy[at] = hi;
+      yg[at] -= g / kk;
+      yb[at] -= b / kk;
+      yg[iy[a]] += g;
+      yb[iy[a]] += b + bc[br];
+      yg[iy[c]] += g / (kk * kk);
+      yb[iy[c]] += b / (kk * kk) + bc[br];
+    } else if (a != 0) {
+      yg[iy[a]] += g;
+      yb[iy[a]] += b;
+    }
+  }
+}
+
+void adlink(const Arr<int32_t>& iy, const Arr<int32_t>& jy, int32_t n, int32_t ny,
+            Arr<int32_t>& lkrow, Arr<int32_t>& lknext) {
+  lkrow.clear(static_cast<std::size_t>(ny));
+  lknext.clear(static_cast<std::size_t>(ny));
+  Arr<int32_t> last(static_cast<std::size_t>(std::max(n, 0)));
+  int32_t row = 1;
+  for (int32_t e = 1; e <= ny; ++e) {
+    while (row < n && e >= iy[row + 1]) ++row;
+    int32_t c = jy[e];
+    int32_t p = last[c];
+    if (row != c) {
+      int32_t from = p != 0 ? p : iy[c];
+      lkrow[from] = row;
+      lknext[from] = e;
+      last[c] = e;
+    } else if (p != 0) {
+      lkrow[p] = row;
+      lknext[p] = e;
+    }
+  }
+}
+
+void fomy12() {
+  const int32_t n = NO.nnode, ny = NO.NYENT;
+  Y.grow(static_cast<std::size_t>(std::max(n, 0)), static_cast<std::size_t>(std::max(ny, 0)));
+  formy(NO.nbranch, n, ny, NEW, IOU, IJB.I, IJB.J, RXB.R, RXB.X, RXB.B, RXB.T, Y.YG, Y.YB, Y.IY,
+        Y.JY);
+  adlink(Y.IY, Y.JY, n, ny, Y.LKROW, Y.LKNEXT);
+}
 
 }  // namespace lf

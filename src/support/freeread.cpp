@@ -12,6 +12,7 @@ bool FreeReader::open(const std::string& path) {
   close();
   f_ = std::fopen(path.c_str(), "rb");
   lineno_ = 0;
+  eof_ = false;
   return f_ != nullptr;
 }
 
@@ -30,7 +31,10 @@ bool FreeReader::next_line(std::string& out) {
     if (c == '\n') break;
     out += static_cast<char>(c);
   }
-  if (!any) return false;
+  if (!any) {
+    eof_ = true;
+    return false;
+  }
   if (!out.empty() && out.back() == '\r') out.pop_back();
   ++lineno_;
   return true;

@@ -61,11 +61,15 @@ class FreeReader {
   bool line(std::string& out);
   // Number of the last line taken, from 1.
   long line_number() const { return lineno_; }
+  // True once a read has run into the end of the file (as opposed to a
+  // value that does not suit its item).
+  bool at_end() const { return eof_; }
 
  private:
   bool next_line(std::string& out);
   std::FILE* f_ = nullptr;
   long lineno_ = 0;
+  bool eof_ = false;
 };
 
 }  // namespace lf

@@ -1,0 +1,313 @@
+#include "casefile/readers.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "casefiles.hpp"
+
+namespace lf {
+namespace {
+
+using test::CaseFiles;
+using test::messages;
+using ::testing::ElementsAre;
+using ::testing::ExitedWithCode;
+using ::testing::IsEmpty;
+
+const char* kL0 =
+    "4 3 2 0 2 3 1 0 0 3 0\n"
+    "100.0 1.1 0.9 1e-6 1 30 0 0 0 1\n";
+
+class Readers : public CaseFiles {
+ protected:
+  // A four-bus case with every file but .NL4 and the .DAT library.
+  void write_case() {
+    write(".L0", kL0);
+    write(".L1",
+          "'BUS1' 220.0 1 242.0 198.0\n"
+          "'BUS2' 0.0 2 1.05 0.95\n"
+          "'BUS3' 110.0 1 99.0 121.0\n"
+          "'BUS4' 110.0 3 0.0 99.0\n");
+    write(".L2",
+          "1 1 2 11 0.01 0.1 0.02 0 0 0 0 0 0.0\n"
+          "0 9 9 99 9.0 9.0 9.0 9 9 9 9 9 9.0\n"
+          "3 2 3 12 0.02 0.2 0.03 1 0 0 0 0 0.0\n"
+          "1 4 4 13 0.0 -10.0 0.0 0 0 0 0 0 0.0\n");
+    write(".L3",
+          "1 -3 4 21 0.001 0.05 1.05 0.0 0.0 2 0 0 0.0 0 0 0.0 0.0\n"
+          "0 1 2 98 0.0 0.1 1.0 0.0 0.0 0 0 0 0.0 0 0 0.0 0.0\n"
+          "2 1 -4 22 0.002 0.06 0.95 0.1 10.0 0 5 6 0.0 7 8 0.5 30.0\n");
+    write(".L5",
+          "1 1 0 0.0 0.0 1.05 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n"
+          "1 2 -6 0.5 0.1 1.02 0.0 2.0 -2.0 1.0 0.0 0 0 0 0.0\n");
+    write(".L6",
+          "1 3 31 1 0.4 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n"
+          "0 4 32 1 9.0 9.0 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n"
+          "1 3 33 -7 0.1 0.05 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+    write(".L7", "1 1 'NORTH' 1 0.5 0.01 2.0\n");
+    write(".L10", "1 1 0.0 ' ' ' ' 1.0 1.0 2.0 2.0\n");
+    write(".L13",
+          "3\n"
+          "1 1 3 5 1 0 0 0 0 0 0\n"
+          "0 1 3 6 1 0 0 0 0 0 0\n"
+          "0 0 0 0 0 0 0 0 0 0 0\n"
+          "0\n"
+          "2\n"
+          "1 2 2 7 0 1 0 0 0 0 0\n"
+          "0 0 0 0 0 0 0 0 0 0 0\n");
+  }
+};
+
+TEST_F(Readers, ReadsAWholeCaseWithItsQuirks) {
+  write_case();
+  rdlf(name(), lib());
+  EXPECT_THAT(messages(), IsEmpty());
+
+  EXPECT_EQ(LFINF.nbus, 4);
+  EXPECT_EQ(LFINF.method, 1);
+  EXPECT_EQ(LFINF.iteration, 30);
+  EXPECT_EQ(LF93.ctrl_sub, 1);
+  EXPECT_EQ(L1.busname[3].trimmed(), "BUS3");
+  EXPECT_DOUBLE_EQ(LL1.busvmax[1], 1.1);  // 242 / 220
+  EXPECT_DOUBLE_EQ(LL1.busvmin[1], 0.9);
+  EXPECT_EQ(LL1.busarea[2], 2);
+  // No base voltage, limits the wrong way round, a zero limit: the defaults.
+  EXPECT_EQ(LL1.busvmax[2], 1.1);
+  EXPECT_EQ(LL1.busvmin[2], 0.9);
+  EXPECT_EQ(LL1.busvmax[3], 1.1);
+  EXPECT_EQ(LL1.busvmin[3], 0.9);
+  EXPECT_EQ(LL1.busvmax[4], 1.1);
+  EXPECT_DOUBLE_EQ(LL1.busvmin[4], 0.9);
+
+  // The mark 0 line takes no slot; transformers follow the lines.
+  ASSERT_EQ(LFINF.nacline, 3);
+  ASSERT_EQ(LFINF.ntrans, 2);
+  EXPECT_EQ(NO.nbranch, 5);
+  EXPECT_THAT((std::vector<int>{IJB.No[1], IJB.No[2], IJB.No[3], IJB.No[4], IJB.No[5]}),
+              ElementsAre(11, 12, 13, 21, 22));
+  EXPECT_EQ(IJOPEN.mark[2], 3);
+  EXPECT_EQ(IJB.LOSSAREA[2], 1);
+  EXPECT_EQ(L2P.I[2], 2);
+  EXPECT_EQ(L2P.J[2], 3);
+  EXPECT_EQ(RXB.T[3], 1.0);
+  EXPECT_EQ(RXB.B[1], 0.02);
+  // Negative transformer ends lose their sign; B is 0; control data by transformer.
+  EXPECT_EQ(IJB.I[4], 3);
+  EXPECT_EQ(IJOPEN.I[4], 3);
+  EXPECT_EQ(IJB.J[5], 4);
+  EXPECT_EQ(L3P.J[2], 4);
+  EXPECT_EQ(L3P.No[2], 22);
+  EXPECT_EQ(IJOPEN.mark[5], 2);
+  EXPECT_EQ(RXB.T[5], 0.95);
+  EXPECT_EQ(RXB.B[5], 0.0);
+  EXPECT_EQ(L3PP.Xm[2], 10.0);
+  EXPECT_EQ(L3P.mode_ctrl[2], 5);
+  EXPECT_EQ(L3P.par_group[2], 6);
+  EXPECT_EQ(L3P.ibs_ctrl[2], 7);
+  EXPECT_EQ(L3P.line_ctrl[2], 8);
+  EXPECT_EQ(L3P.value_ctrl[2], 0.5);
+  EXPECT_EQ(L3P.ang_shift[2], 30.0);
+  EXPECT_EQ(IJB.LOSSAREA[4], 2);
+
+  // Extended codes fold without user-defined models.
+  ASSERT_EQ(LFINF.ngenerat, 2);
+  EXPECT_EQ(L5.mode_ctrl[2], -1);
+  EXPECT_EQ(L5.merged[2], 0);
+  EXPECT_EQ(L5P.Qmin[2], -2.0);
+  ASSERT_EQ(LFINF.nload, 2);
+  EXPECT_EQ(L6.No[2], 33);
+  EXPECT_EQ(L6.mode_ctrl[2], 1);
+  EXPECT_EQ(LF93.loadshare, 1);  // two loads on bus 3
+
+  // ctrl_fact 0: the factor file is not read and nothing is scaled.
+  EXPECT_EQ(LF93.ctrl_fact, 0);
+  EXPECT_EQ(L6.P[1], 0.4);
+
+  ASSERT_EQ(LFINF.narea, 1);
+  EXPECT_EQ(L7.area_name[1].trimmed(), "NORTH");
+  EXPECT_EQ(LL7.pmax[1], 2.0);
+
+  // Group 3 ends with its zero record; "0" is a group read that starts
+  // over, then group 2 follows.
+  ASSERT_EQ(LF93.nswitch, 2);
+  EXPECT_EQ(L13.group[1], 3);
+  EXPECT_EQ(L13.J[1], 5);
+  EXPECT_EQ(L13.group[2], 2);
+  EXPECT_EQ(L13.type[2], 2);
+  EXPECT_EQ(L13.sw2[2], 1);
+
+  // Constant power as the only parameter set.
+  EXPECT_EQ(LFINF.nloadpar, 1);
+  EXPECT_EQ(ABCLC.cp[1], 1.0);
+}
+
+TEST_F(Readers, UserDefinedModelsKeepTheExtendedCodes) {
+  write_case();
+  write(".L0", "4 3 2 0 2 3 1 0 0 3 0\n100.0 1.1 0.9 1e-6 1 30 0 1 0 0\n");
+  rdlf(name(), lib());
+  EXPECT_EQ(L5.mode_ctrl[2], -6);
+  EXPECT_EQ(L6.mode_ctrl[2], -7);
+  EXPECT_EQ(LF93.nswitch, 3);  // ctrl_sub 0: .L13 not read, the count stands
+}
+
+TEST_F(Readers, OptionalFilesMayBeMissing) {
+  write_case();
+  for (const char* ext : {".L3", ".L6", ".L7", ".L13"})
+    std::filesystem::remove(dir_ / (std::string("CASE") + ext));
+  write(".L0", "4 3 2 0 2 3 1 0 0 3 1\n100.0 1.1 0.9 1e-6 1 30 0 0 0 1\n");
+  std::filesystem::remove(dir_ / "CASE.L10");
+  rdlf(name(), lib());
+  EXPECT_THAT(messages(), IsEmpty());
+  EXPECT_EQ(LFINF.nload, 0);
+  EXPECT_EQ(LF93.loadshare, 0);
+  EXPECT_EQ(LFINF.narea, 0);
+  EXPECT_EQ(LF93.ctrl_fact, 0);
+  EXPECT_EQ(LF93.nswitch, 0);
+  // Without .L3 the transformer count of .L0 stands.
+  EXPECT_EQ(LFINF.ntrans, 2);
+  EXPECT_EQ(NO.nbranch, 5);
+}
+
+TEST_F(Readers, DcLinesKeepOnlyMarkOne) {
+  write(".L0", "0 0 0 2 0 0 0 0 0 0 0\n100.0 1.1 0.9 1e-6 1 30 0 0 0 0\n");
+  const std::string body =
+      " 3 4 7 1\n"
+      "1.0 2.0 3.0 4.0 5.0 6.0 7.0 8.0 9.0 10.0\n"
+      "500.0\n"
+      "230.0 200.0 2 600.0 0.1 15.0 250.0 210.0 3\n"
+      "231.0 201.0 2 601.0 0.2 16.0 251.0 211.0 4\n"
+      "1 10.0 20.0\n"
+      "300.0 500.0 5.0 15.0 17.0 18.0\n"
+      "301.0 501.0 6.0 16.0 19.0 20.0\n";
+  write(".NL4", "2" + body + "1" + body);
+  rdlf(name(), lib());
+  ASSERT_EQ(LFINF.ndcline, 1);
+  EXPECT_EQ(NO.ndc, 1);
+  EXPECT_EQ(NL4.I[1], 3);
+  EXPECT_EQ(NL4.lsj_mh[1], 10.0);
+  EXPECT_EQ(NL4.vdrate_kv[1], 500.0);
+  EXPECT_EQ(NL4.i_tap[1], 3);
+  EXPECT_EQ(NL4.j_tap[1], 4);
+  EXPECT_EQ(NL4.qcj_mvar[1], 20.0);
+  EXPECT_EQ(NL4.gam20_d[1], 20.0);
+}
+
+TEST_F(Readers, MissingDcFileIsReportedAndTheRunGoesOn) {
+  write(".L0", "0 0 0 2 0 0 0 0 0 0 0\n100.0 1.1 0.9 1e-6 1 30 0 0 0 0\n");
+  ::testing::internal::CaptureStdout();
+  rdlf(name(), lib());
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), " File " + stem() + ".L4 not found !\n");
+  EXPECT_EQ(LFINF.ndcline, 0);
+  EXPECT_THAT(messages(), IsEmpty());
+}
+
+TEST_F(Readers, MandatoryFilesStopTheRun) {
+  EXPECT_EXIT(rdlf(name(), lib()), ExitedWithCode(1),
+              "File .*CASE\\.L0 not found !\n\\*\\.l0 file not found!");
+  write(".L0", kL0);
+  EXPECT_EXIT(rdlf(name(), lib()), ExitedWithCode(1),
+              "File .*CASE\\.L1 not found !\n\\*\\.l1 file not found!");
+  write_case();
+  std::filesystem::remove(dir_ / "CASE.L2");
+  EXPECT_EXIT(rdlf(name(), lib()), ExitedWithCode(1),
+              "File .*CASE\\.L2 not found !\n\\*\\.l2 file not found!");
+  write_case();
+  std::filesystem::remove(dir_ / "CASE.L5");
+  EXPECT_EXIT(rdlf(name(), lib()), ExitedWithCode(1),
+              "File .*CASE\\.L5 not found !\n\\*\\.l5 file not found!");
+  // A load that names parameter set 2 needs the library.
+  write_case();
+  write(".L6", "1 3 31 2 0.4 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+  EXPECT_EXIT(rdlf(name(), lib()), ExitedWithCode(1),
+              "File .*LIB\\.DAT Not Exist !\n\\*\\.dat file not found!");
+}
+
+TEST_F(Readers, LibrarySetsFollowTheSkippedSections) {
+  write_case();
+  write(".L6", "1 3 31 2 0.4 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+  write_lib(
+      "2 0 1 0 0 0 0 0 2 0\n"
+      "skipped one\n"
+      "skipped 'two'\n"
+      "skipped three\n"
+      "0.1 0.2 0.7 9 9 0.3 0.3 0.4 9 9\n"
+      "0.5 0.0 0.5 9 9 1.0 0.0 0.0 9 9\n");
+  rdlf(name(), lib());
+  EXPECT_THAT(messages(), IsEmpty());
+  EXPECT_EQ(LFINF.nloadpar, 2);
+  EXPECT_EQ(ABCLC.ap[1], 0.1);  // the first set takes the default's place
+  EXPECT_EQ(ABCLC.cq[1], 0.4);
+  EXPECT_EQ(ABCLC.ap[2], 0.5);
+  EXPECT_EQ(ABCLC.aq[2], 1.0);
+
+  // A set that cannot be read: a message, the sets read so far stay.
+  write_lib(
+      "0 0 0 0 0 0 0 0 3 0\n"
+      "0.1 0.2 0.7 9 9 0.3 0.3 0.4 9 9\n"
+      "0.5 0.0 'x' 9 9 1.0 0.0 0.0 9 9\n");
+  messages().clear();
+  rdlf(name(), lib());
+  EXPECT_THAT(messages(), ElementsAre("Read " + (dir_ / "LIB").string() + ".DAT File Error!"));
+  EXPECT_EQ(LFINF.nloadpar, 1);
+  EXPECT_EQ(ABCLC.cq[1], 0.4);
+}
+
+TEST_F(Readers, UnreadableSwitchRecordKeepsWhatWasRead) {
+  write_case();
+  write(".L13",
+        "3\n"
+        "1 1 3 5 1 0 0 0 0 0 0\n"
+        "1 1 3 X 1 0 0 0 0 0 0\n"
+        "1 1 3 6 1 0 0 0 0 0 0\n");
+  rdlf(name(), lib());
+  EXPECT_THAT(messages(), ElementsAre("ERROR Read In File *.L13"));
+  EXPECT_EQ(LF93.nswitch, 1);
+
+  // A file that ends inside a group is no error.
+  write(".L13", "3\n1 1 3 5 1 0 0 0 0 0 0\n1 1 3");
+  LF93.nswitch = 5;
+  messages().clear();
+  rl13(stem());
+  EXPECT_THAT(messages(), IsEmpty());
+  EXPECT_EQ(LF93.nswitch, 1);
+}
+
+TEST_F(Readers, TruncatedAndGarbledFilesKeepTheRecordsSoFar) {
+  write_case();
+  write(".L1", "'BUS1' 220.0 1 242.0 198.0\n'BUS2' 110.0 1.5 121.0 99.0\n'BUS3' 1 1 1 1\n");
+  write(".L2", "1 1 2 11 0.01 0.1 0.02 0 0 0 0 0 0.0\n1 2 3 12 0.02 0.2");
+  write(".L3", "\x01\x02garbage\n");
+  write(".L5", "1 1 0 0.0 0.0 1.05 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n1 2 -1 0.5 ,,,/\n");
+  write(".L6", "");
+  rdlf(name(), lib());
+  EXPECT_EQ(LFINF.nbus, 1);  // area 1.5 is no integer
+  EXPECT_EQ(LFINF.nacline, 1);
+  EXPECT_EQ(LFINF.ntrans, 0);
+  // A slash ends a record early: it counts, with the fields it has.
+  EXPECT_EQ(LFINF.ngenerat, 2);
+  EXPECT_EQ(L5.P[2], 0.5);
+  EXPECT_EQ(LFINF.nload, 0);
+  EXPECT_EQ(NO.nbranch, 1);
+}
+
+TEST_F(Readers, RecordsGrowPastTheirStartingCapacity) {
+  std::string l1, l5, last;
+  const int n = static_cast<int>(kCapBus) + 5;
+  for (int i = 1; i <= n; ++i) {
+    const std::string num = std::to_string(i);
+    last = std::string("B").append(num);
+    l1.append("'").append(last).append("' 10.0 1 11.0 9.0\n");
+    l5.append("1 ").append(num).append(" 1 0.1 0.0 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+  }
+  write(".L0", "1 0 0 0 1 0 0 0 0 0 0\n100.0 1.1 0.9 1e-6 1 30 0 0 0 0\n");
+  write(".L1", l1);
+  write(".L5", l5);
+  rdlf(name(), lib());
+  EXPECT_EQ(LFINF.nbus, n);
+  EXPECT_EQ(LFINF.ngenerat, n);
+  EXPECT_EQ(L1.busname[n].trimmed(), last);
+  EXPECT_EQ(L5.ibs[n], n);
+}
+
+}  // namespace
+}  // namespace lf

@@ -1,0 +1,46 @@
+// What the engine's tests share: a fresh working folder with a small case,
+// a headless screen, and a host callback that collects the lines.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "lfengine.h"
+#include "toolkit/headless.hpp"
+
+namespace lf::test {
+
+inline std::vector<std::string> printed;
+
+inline int collect(const char* line) {
+  printed.emplace_back(line);
+  return 0;
+}
+
+// Writes a file with the given text.
+void write_file(const std::filesystem::path& path, const std::string& text);
+std::string read_file(const std::filesystem::path& path);
+
+// Writes the case LF.*: two buses, one line, a slack generator and a load,
+// solved by the given method.
+void write_two_bus_case(int method);
+
+class EngineTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // LFInit with the given flags, no database, the collecting callback.
+  int init(int flags, const char* title = "Load Flow");
+  int cal(int flags) { return LFCal(&flags); }
+  void print(const std::string& text);
+
+  HeadlessScreen screen;
+  std::filesystem::path home, dir;
+};
+
+}  // namespace lf::test

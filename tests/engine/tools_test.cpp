@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "engine/engine_fixture.hpp"
+
+namespace lf::test {
+namespace {
+
+const std::string kBin = LF_BINARY_DIR;
+
+struct Outcome {
+  int status;
+  std::string out;
+};
+
+// Runs a command in the current folder: its exit status and standard output.
+Outcome run(const std::string& command) {
+  Outcome r{-1, {}};
+  std::FILE* p = popen((command + " 2>/dev/null").c_str(), "r");
+  if (!p) return r;
+  char buf[4096];
+  std::size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+  int s = pclose(p);
+  r.status = WIFEXITED(s) ? WEXITSTATUS(s) : -1;
+  return r;
+}
+
+using Hosts = EngineTest;
+
+TEST_F(Hosts, LfrunExplainsItsOptionsAndRefusesBadUsage) {
+  Outcome help = run(kBin + "/lfrun --help");
+  EXPECT_EQ(help.status, 0);
+  for (const char* option :
+       {"--window", "--link", "--no-print", "--mode", "--repeat", "--db", "--name-inc"}) {
+    EXPECT_NE(help.out.find(option), std::string::npos) << option;
+  }
+  EXPECT_EQ(run(kBin + "/lfrun").status, 2);
+  EXPECT_EQ(run(kBin + "/lfrun --bogus LF").status, 2);
+  EXPECT_EQ(run(kBin + "/lfrun --repeat 0 LF").status, 2);
+  EXPECT_EQ(run(kBin + "/lfrun --db case.db LF").status, 2);
+  EXPECT_EQ(run(kBin + "/lfrun LF other").status, 2);
+}
+
+TEST_F(Hosts, LfrunNeverChangesTheUsersNameInc) {
+  std::filesystem::create_directory("sub");
+  for (const char* ext : {".L0", ".L1", ".L2", ".L5", ".L6"}) {
+    std::filesystem::copy_file(std::string("LF") + ext, std::string("sub/CASE") + ext);
+  }
+  const std::string theirs = "1\nOTHER\n\nDATALIB\n";
+  write_file("sub/NAME.INC", theirs);
+  EXPECT_EQ(run(kBin + "/lfrun sub/CASE").status, 2);
+  EXPECT_EQ(read_file("sub/NAME.INC"), theirs);
+
+  std::filesystem::remove("sub/NAME.INC");
+  Outcome r = run(kBin + "/lfrun --repeat 2 sub/CASE");
+  EXPECT_TRUE(r.status == 0 || r.status == 1);
+  EXPECT_FALSE(std::filesystem::exists("sub/NAME.INC"));  // the one written for the run is gone
+  EXPECT_TRUE(std::filesystem::exists("sub/LFERR.LIS"));
+  std::size_t closings = 0;
+  for (std::size_t p = 0; (p = r.out.find("End of Program.", p)) != std::string::npos; ++p) {
+    ++closings;
+  }
+  EXPECT_EQ(closings, 2u);
+
+  write_file("sub/NAME.INC", theirs);
+  r = run(kBin + "/lfrun --name-inc --no-print sub/CASE");
+  EXPECT_TRUE(r.status == 0 || r.status == 1);
+  EXPECT_TRUE(r.out.empty());
+  EXPECT_EQ(read_file("sub/NAME.INC").substr(0, 7), "1\nCASE\n");
+}
+
+TEST_F(Hosts, StatusServerShowsTheFramesOfAnEngine) {
+  std::FILE* server = popen((kBin + "/lfstatus --once").c_str(), "r");
+  ASSERT_NE(server, nullptr);
+  char line[256];
+  ASSERT_NE(std::fgets(line, sizeof line, server), nullptr);
+  EXPECT_STREQ(line, "listening on 127.0.0.1 port 9876\n");
+  EXPECT_EQ(init(LF_FLAG_LINK | LF_FLAG_PRINT), LF_FLAG_LINK | LF_FLAG_PRINT);
+  print("watch this");
+  print("");
+  cal(LF_FLAG_LINK | LF_FLAG_PRINT);
+  LFFinilize();
+  std::string out;
+  while (std::fgets(line, sizeof line, server)) out += line;
+  EXPECT_EQ(pclose(server), 0);
+  const std::string start =
+      "kind 11 length 4: status 1 (engine connected)\n"
+      "kind 1 length 10: watch this\n"
+      "kind 1 length 0: \n";
+  EXPECT_EQ(out.substr(0, start.size()), start);
+  const std::string end =
+      "kind 1 length 44: End of Program.  Please Close the Window....\n"
+      "kind 11 length 4: status 2 (engine shutting down)\n"
+      "engine disconnected\n";
+  ASSERT_GE(out.size(), end.size());
+  EXPECT_EQ(out.substr(out.size() - end.size()), end);
+}
+
+}  // namespace
+}  // namespace lf::test

@@ -1,0 +1,213 @@
+// lfrun: runs load-flow calculations on a case and prints the engine's
+// lines.  See usage() for the options.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "lfengine.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kExitConverged = 0;
+constexpr int kExitNotConverged = 1;
+constexpr int kExitUsage = 2;
+constexpr std::size_t kCaseNameWidth = 60;
+
+void usage(std::FILE* out) {
+  std::fputs(
+      "usage: lfrun [options] CASE_STEM\n"
+      "\n"
+      "Runs load-flow calculations on the case whose files are CASE_STEM.L0,\n"
+      "CASE_STEM.L1 and so on, and prints the engine's lines.  lfrun works in the\n"
+      "folder of CASE_STEM: the engine writes its report files (CASE_STEM.LP1, ...)\n"
+      "and its error list LFERR.LIS there.\n"
+      "\n"
+      "The engine takes the case name from NAME.INC in that folder (second line),\n"
+      "or uses the name LF without one.  lfrun never changes a NAME.INC of yours:\n"
+      "  - no NAME.INC and a stem named LF: nothing is written;\n"
+      "  - no NAME.INC and another name: lfrun writes one for the run and removes\n"
+      "    it afterwards;\n"
+      "  - a NAME.INC naming this case: it is used as it stands;\n"
+      "  - a NAME.INC naming another case: lfrun refuses, unless --name-inc is\n"
+      "    given, which replaces that NAME.INC with one naming this case.\n"
+      "\n"
+      "Options:\n"
+      "  --window      bit value 1: draw the progress window (this build has no\n"
+      "                on-screen toolkit, so the window is drawn off-screen)\n"
+      "  --link        bit value 2: send every line to the status server on\n"
+      "                127.0.0.1 port 9876 (see lfstatus); without a server the\n"
+      "                engine says \"Fail to initialize Socket!\" and goes on\n"
+      "  --no-print    clear bit value 4: the engine prints nothing at all\n"
+      "                (bit value 4 is set by default: lines go to standard output)\n"
+      "  --mode N      N = 2 includes the magnetising branches of transformers;\n"
+      "                any other value leaves them out (default 0)\n"
+      "  --repeat N    runs N calculations one after another (default 1)\n"
+      "  --db FILE     reads and writes the case in a database file instead of\n"
+      "                case files\n"
+      "  --name-inc    replaces a NAME.INC that names another case (see above)\n"
+      "  --help        shows this text\n"
+      "\n"
+      "Exit status: 0 when every calculation converged, 1 when one did not (or\n"
+      "was interrupted), 2 on bad usage.  A missing mandatory case file ends the\n"
+      "engine with a stop text and status 1.\n",
+      out);
+}
+
+int bad_usage(const std::string& why) {
+  std::fprintf(stderr, "lfrun: %s\n", why.c_str());
+  std::fputs("Try 'lfrun --help'.\n", stderr);
+  return kExitUsage;
+}
+
+bool to_int(const char* text, int& value) {
+  char* end = nullptr;
+  long v = std::strtol(text, &end, 10);
+  if (end == text || *end != '\0' || v < INT32_MIN || v > INT32_MAX) return false;
+  value = static_cast<int>(v);
+  return true;
+}
+
+int print_line(const char* line) {
+  std::puts(line);
+  return 0;
+}
+
+// The case name that NAME.INC gives: its second line, first 60 characters,
+// without trailing blanks.
+std::string named_case(const fs::path& name_inc) {
+  std::ifstream in(name_inc);
+  std::string line;
+  std::getline(in, line);
+  line.clear();
+  std::getline(in, line);
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  line = line.substr(0, kCaseNameWidth);
+  while (!line.empty() && line.back() == ' ') line.pop_back();
+  return line;
+}
+
+void write_name_inc(const fs::path& path, const std::string& name) {
+  std::ofstream(path) << "1\n" << name << "\n\nDATALIB\n\n\n\n\nUDLIB\n";
+}
+
+// A NAME.INC that lfrun wrote for the run, removed when the process ends,
+// also when the engine stops it.
+fs::path temporary_name_inc;
+void remove_temporary_name_inc() {
+  if (!temporary_name_inc.empty()) fs::remove(temporary_name_inc);
+}
+
+struct Options {
+  int flags = LF_FLAG_PRINT;
+  int mode = 0;
+  int repeat = 1;
+  bool replace_name_inc = false;
+  std::string db, stem;
+};
+
+// Parses the arguments; returns -1 to go on, else the exit status.
+int parse(int argc, char** argv, Options& o) {
+  for (int i = 1; i < argc; ++i) {
+    std::string a = argv[i];
+    auto value = [&](int& out) {
+      if (i + 1 >= argc || !to_int(argv[i + 1], out)) return false;
+      ++i;
+      return true;
+    };
+    if (a == "--help" || a == "-h") {
+      usage(stdout);
+      return kExitConverged;
+    } else if (a == "--window") {
+      o.flags |= LF_FLAG_WINDOW;
+    } else if (a == "--link") {
+      o.flags |= LF_FLAG_LINK;
+    } else if (a == "--no-print") {
+      o.flags &= ~LF_FLAG_PRINT;
+    } else if (a == "--name-inc") {
+      o.replace_name_inc = true;
+    } else if (a == "--mode") {
+      if (!value(o.mode)) return bad_usage("--mode needs an integer");
+    } else if (a == "--repeat") {
+      if (!value(o.repeat) || o.repeat < 1) return bad_usage("--repeat needs a count of 1 or more");
+    } else if (a == "--db") {
+      if (i + 1 >= argc) return bad_usage("--db needs a database file");
+      o.db = argv[++i];
+    } else if (a.size() > 1 && a[0] == '-') {
+      return bad_usage("unknown option " + a);
+    } else if (o.stem.empty()) {
+      o.stem = a;
+    } else {
+      return bad_usage("only one case stem, please");
+    }
+  }
+  if (!o.db.empty()) {
+    std::fputs("lfrun: the database mode (--db) is not yet available\n", stderr);
+    return kExitUsage;
+  }
+  if (o.stem.empty()) return bad_usage("no case stem given");
+  return -1;
+}
+
+// Goes to the case's folder and makes sure that the engine finds the case
+// by its name; returns -1 to go on, else the exit status.
+int enter_case(const Options& o) {
+  fs::path stem(o.stem);
+  std::string name = stem.filename().string();
+  if (name.empty() || name.size() > kCaseNameWidth) {
+    return bad_usage("the case name must have 1 to 60 characters: " + o.stem);
+  }
+  fs::path folder = stem.parent_path();
+  std::error_code ec;
+  if (!folder.empty()) fs::current_path(folder, ec);
+  if (ec) return bad_usage("cannot enter the folder " + folder.string() + ": " + ec.message());
+  const fs::path name_inc = "NAME.INC";
+  if (fs::exists(name_inc)) {
+    std::string named = named_case(name_inc);
+    if (named == name) return -1;
+    if (!o.replace_name_inc) {
+      return bad_usage("NAME.INC in " + fs::current_path().string() + " names the case '" + named +
+                       "', not '" + name + "'; give --name-inc to replace it");
+    }
+    std::fprintf(stderr, "lfrun: replacing NAME.INC (it named '%s')\n", named.c_str());
+    write_name_inc(name_inc, name);
+  } else if (name != "LF") {
+    write_name_inc(name_inc, name);
+    temporary_name_inc = fs::absolute(name_inc);
+    std::atexit(remove_temporary_name_inc);
+  }
+  return -1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options o;
+  if (int status = parse(argc, argv, o); status >= 0) return status;
+  if (int status = enter_case(o); status >= 0) return status;
+
+  char title[80] = {};
+  std::snprintf(title, sizeof title, "Load Flow: %s", fs::path(o.stem).filename().c_str());
+  int flags = o.flags;
+  int session = 0;
+  intptr_t callback = reinterpret_cast<intptr_t>(&print_line);
+  int mode = o.mode;
+  flags = LFInit(&flags, title, &session, &callback, &mode);
+  bool all_converged = true;
+  for (int run = 0; run < o.repeat; ++run) {
+    int cal_flags = flags;
+    if (LFCal(&cal_flags) != 0) all_converged = false;
+  }
+  LFFinilize();
+  std::fflush(stdout);
+  std::fprintf(stderr, "lfrun: %s; reports in %s\n", all_converged ? "converged" : "not converged",
+               fs::current_path().c_str());
+  return all_converged ? kExitConverged : kExitNotConverged;
+}

@@ -1,0 +1,320 @@
+// mp2lf: turns a MATPOWER case into the engine's case files.
+//
+//   mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] [--qlim]
+//
+// writes OUT_STEM.L0, .L1, .L2, .L3, .L5 and .L6, all per unit on the case's
+// base.  Buses of type 4 and everything out of service or attached to such
+// a bus are left out; the other buses are numbered 1..n in file order.
+// Numbers are written in full (the shortest text that reads back to the
+// same double), so that the engine works on exactly MATPOWER's data.
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "mpcase.hpp"
+
+namespace mp2lf {
+namespace {
+
+// Bus, generator and branch columns (0-based) of the MATPOWER format.
+enum { BUS_I, BUS_TYPE, PD, QD, GS, BS, BUS_AREA, VM, VA, BASE_KV, ZONE, VMAX, VMIN };
+enum { GEN_BUS, PG, QG, QMAX, QMIN, VG, MBASE, GEN_STATUS, PMAX, PMIN };
+enum { F_BUS, T_BUS, BR_R, BR_X, BR_B, RATE_A, RATE_B, RATE_C, TAP, SHIFT, BR_STATUS };
+
+struct Options {
+  std::string input, stem;
+  int method = 1;
+  double tolerance = 1e-8;
+  int iterations = 50;
+  bool qlim = false;
+};
+
+const char* kUsage =
+    "usage: mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] "
+    "[--qlim]\n"
+    "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case\n"
+    "  --method N      iteration method written to .L0 (default 1)\n"
+    "  --tolerance X   convergence tolerance, per unit (default 1e-8)\n"
+    "  --iterations N  iteration limit (default 50)\n"
+    "  --qlim          PV generators get type -2: reactive limits enforced\n";
+
+[[noreturn]] void usage(const std::string& why) {
+  std::fprintf(stderr, "mp2lf: %s\n%s", why.c_str(), kUsage);
+  std::exit(2);
+}
+
+int to_int(const std::string& opt, const char* text) {
+  char* end = nullptr;
+  long v = std::strtol(text, &end, 10);
+  if (*text == '\0' || *end != '\0' || v < -1000000 || v > 1000000)
+    usage(opt + " needs an integer, not '" + text + "'");
+  return static_cast<int>(v);
+}
+
+Options options(int argc, char** argv) {
+  Options o;
+  std::vector<std::string> plain;
+  for (int a = 1; a < argc; ++a) {
+    const std::string arg = argv[a];
+    auto next = [&]() -> const char* {
+      if (a + 1 >= argc) usage(arg + " needs a value");
+      return argv[++a];
+    };
+    if (arg == "--help" || arg == "-h") {
+      std::fputs(kUsage, stdout);
+      std::exit(0);
+    } else if (arg == "--method") {
+      o.method = to_int(arg, next());
+    } else if (arg == "--iterations") {
+      o.iterations = to_int(arg, next());
+      if (o.iterations < 1) usage("--iterations must be at least 1");
+    } else if (arg == "--tolerance") {
+      const char* t = next();
+      char* end = nullptr;
+      o.tolerance = std::strtod(t, &end);
+      if (*t == '\0' || *end != '\0' || !(o.tolerance > 0) || !std::isfinite(o.tolerance))
+        usage("--tolerance needs a positive number, not '" + std::string(t) + "'");
+    } else if (arg == "--qlim") {
+      o.qlim = true;
+    } else if (arg.size() > 1 && arg[0] == '-') {
+      usage("unknown option " + arg);
+    } else {
+      plain.push_back(arg);
+    }
+  }
+  if (plain.size() != 2) usage("give one case file and one output stem");
+  o.input = plain[0];
+  o.stem = plain[1];
+  return o;
+}
+
+// A real in the shortest form that reads back to the same double; an
+// infinite limit becomes a huge finite one, which the engine's reader takes.
+std::string real(double x) {
+  if (std::isinf(x)) x = x > 0 ? 1e10 : -1e10;
+  char buf[40];
+  const auto res = std::to_chars(buf, buf + sizeof buf, x);
+  return std::string(buf, res.ptr);
+}
+
+// A name between apostrophes, at most 20 characters, a quote doubled.
+std::string quoted(std::string name) {
+  if (name.size() > 20) name.resize(20);
+  std::string q = "'";
+  for (char c : name) {
+    if (c == '\'') q += '\'';
+    q += c;
+  }
+  return q + "'";
+}
+
+struct Output {
+  std::ostringstream l0, l1, l2, l3, l5, l6;
+  int nbus = 0, nline = 0, nshunt = 0, ntrans = 0, ngen = 0, nload = 0;
+  int dropped_buses = 0, dropped_branches = 0, dropped_gens = 0;
+};
+
+// A branch row of .L2: the fields the reader takes, then a spare real and a
+// spare integer, so that the row also has the width that the rewriting of
+// branch data after a run expects.
+void line_row(Output& out, int i, int j, int no, double r, double x, double b) {
+  out.l2 << "1 " << i << ' ' << j << ' ' << no << ' ' << real(r) << ' ' << real(x) << ' ' << real(b)
+         << " 0 0 0 0 0 0 0 0\n";
+}
+
+// A shunt branch (I = J) of admittance g + jb, given as its impedance.
+void shunt_row(Output& out, int bus, int no, double g, double b) {
+  const double d = g * g + b * b;
+  line_row(out, bus, bus, no, g / d, -b / d, 0.0);
+  ++out.nshunt;
+}
+
+// A transformer row of .L3, ratio t at the J end; the spare fields again give
+// the row the width of the rewriting step.
+void transformer_row(Output& out, int i, int j, int no, double r, double x, double t,
+                     double shift) {
+  out.l3 << "1 " << i << ' ' << j << ' ' << no << ' ' << real(r) << ' ' << real(x) << ' ' << real(t)
+         << " 0 0 0 0 0 0 0 0 0 " << real(shift) << " 0 0 0 0 0\n";
+  ++out.ntrans;
+}
+
+Output convert(const MpCase& c, const Options& o) {
+  Output out;
+  const double base = c.base_mva;
+
+  // Buses: type 4 is left out, the others are numbered in file order.
+  std::map<double, int> num;
+  std::vector<int> type;  // by new number, from 1
+  type.push_back(0);
+  for (std::size_t k = 0; k < c.bus.size(); ++k) {
+    const auto& b = c.bus[k];
+    if (b[BUS_TYPE] == 4) {
+      ++out.dropped_buses;
+      continue;
+    }
+    const int n = ++out.nbus;
+    num[b[BUS_I]] = n;
+    type.push_back(static_cast<int>(b[BUS_TYPE]));
+    std::string name =
+        c.bus_name.empty() ? std::to_string(static_cast<long long>(b[BUS_I])) : c.bus_name[k];
+    out.l1 << quoted(name) << ' ' << real(b[BASE_KV]) << ' ' << static_cast<long long>(b[BUS_AREA])
+           << ' ' << real(b[VMAX] * b[BASE_KV]) << ' ' << real(b[VMIN] * b[BASE_KV]) << '\n';
+    if (b[PD] != 0 || b[QD] != 0) {
+      ++out.nload;
+      out.l6 << "1 " << n << ' ' << out.nload << " 1 " << real(b[PD] / base) << ' '
+             << real(b[QD] / base) << " 1 0 0 0 0 0 0 0 0 0\n";
+    }
+  }
+  auto bus_of = [&](double b) {
+    auto it = num.find(b);
+    return it == num.end() ? 0 : it->second;
+  };
+
+  // Branches in service between kept buses, grouped by bus pair so that
+  // parallel branches stand side by side; a pair with a transformer goes
+  // wholly to .L3.
+  struct Pair {
+    std::vector<std::size_t> rows;
+    bool has_transformer = false;
+  };
+  std::vector<Pair> pairs;
+  std::map<std::pair<int, int>, std::size_t> pair_of;
+  auto is_transformer = [](const std::vector<double>& r) { return r[TAP] != 0 || r[SHIFT] != 0; };
+  for (std::size_t k = 0; k < c.branch.size(); ++k) {
+    const auto& r = c.branch[k];
+    const int f = bus_of(r[F_BUS]), t = bus_of(r[T_BUS]);
+    if (!(r[BR_STATUS] > 0) || f == 0 || t == 0) {
+      ++out.dropped_branches;
+      continue;
+    }
+    auto [it, fresh] = pair_of.try_emplace({std::min(f, t), std::max(f, t)}, pairs.size());
+    if (fresh) pairs.emplace_back();
+    Pair& p = pairs[it->second];
+    p.rows.push_back(k);
+    p.has_transformer = p.has_transformer || is_transformer(r);
+  }
+
+  // Shunt rows follow all series rows of .L2: first the bus shunts, then
+  // the charging of the branches that went to .L3.
+  struct Shunt {
+    int bus;
+    double g, b;
+  };
+  std::vector<Shunt> shunts;
+  for (const auto& b : c.bus) {
+    const int n = bus_of(b[BUS_I]);
+    if (n != 0 && (b[GS] != 0 || b[BS] != 0)) shunts.push_back({n, b[GS] / base, b[BS] / base});
+  }
+  for (const Pair& p : pairs) {
+    for (std::size_t k : p.rows) {
+      const auto& r = c.branch[k];
+      const int f = bus_of(r[F_BUS]), t = bus_of(r[T_BUS]);
+      const int no = static_cast<int>(k) + 1;
+      if (!p.has_transformer) {
+        line_row(out, f, t, no, r[BR_R], r[BR_X], r[BR_B] / 2);
+        ++out.nline;
+        continue;
+      }
+      // MATPOWER's ratio stands at the from bus, the engine's at the J end.
+      const double tap = r[TAP] != 0 ? r[TAP] : 1.0;
+      transformer_row(out, t, f, no, r[BR_R], r[BR_X], tap, r[SHIFT]);
+      if (r[BR_B] != 0) {
+        shunts.push_back({f, 0.0, r[BR_B] / 2 / (tap * tap)});
+        shunts.push_back({t, 0.0, r[BR_B] / 2});
+      }
+    }
+  }
+  int no = static_cast<int>(c.branch.size());
+  for (const Shunt& s : shunts) shunt_row(out, s.bus, ++no, s.g, s.b);
+
+  // Generators: the reference bus keeps its voltage and angle, a PV bus its
+  // voltage, a PQ bus its P and Q.
+  std::map<int, double> angle;
+  for (const auto& b : c.bus)
+    if (int n = bus_of(b[BUS_I])) angle[n] = b[VA];
+  for (const auto& g : c.gen) {
+    const int n = bus_of(g[GEN_BUS]);
+    if (!(g[GEN_STATUS] > 0) || n == 0) {
+      ++out.dropped_gens;
+      continue;
+    }
+    const int mode = type[n] == 3 ? 0 : type[n] == 2 ? (o.qlim ? -2 : -1) : 1;
+    ++out.ngen;
+    out.l5 << "1 " << n << ' ' << mode << ' ' << real(g[PG] / base) << ' ' << real(g[QG] / base)
+           << ' ' << real(g[VG]) << ' ' << real(mode == 0 ? angle[n] : 0.0) << ' '
+           << real(g[QMAX] / base) << ' ' << real(g[QMIN] / base) << ' ' << real(g[PMAX] / base)
+           << ' ' << real(g[PMIN] / base) << " 0 0 0 0\n";
+  }
+
+  out.l0 << out.nbus << ' ' << out.nline + out.nshunt << ' ' << out.ntrans << " 0 " << out.ngen
+         << ' ' << out.nload << " 0 0 0 0 0\n"
+         << real(base) << " 1.1 0.9 " << real(o.tolerance) << ' ' << o.method << ' ' << o.iterations
+         << " 0 0 0 0\n";
+  return out;
+}
+
+// Writes all six files or, when one cannot be written, none.
+bool write_all(const std::string& stem, const Output& out) {
+  const std::pair<const char*, const std::ostringstream*> files[] = {
+      {".L0", &out.l0}, {".L1", &out.l1}, {".L2", &out.l2},
+      {".L3", &out.l3}, {".L5", &out.l5}, {".L6", &out.l6}};
+  std::vector<std::string> written;
+  for (const auto& [ext, text] : files) {
+    const std::string path = stem + ext;
+    std::ofstream f(path, std::ios::binary);
+    written.push_back(path);
+    if (f) f << text->str();
+    if (!f || !f.flush()) {
+      std::fprintf(stderr, "mp2lf: cannot write %s\n", path.c_str());
+      std::error_code ec;
+      for (const auto& w : written) std::filesystem::remove(w, ec);
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+}  // namespace mp2lf
+
+int main(int argc, char** argv) {
+  using namespace mp2lf;
+  const Options o = options(argc, argv);
+  std::ifstream in(o.input, std::ios::binary);
+  if (!in) {
+    std::fprintf(stderr, "mp2lf: cannot open %s\n", o.input.c_str());
+    return 1;
+  }
+  std::stringstream text;
+  text << in.rdbuf();
+  MpCase c;
+  try {
+    c = parse_case(text.str());
+  } catch (const ParseError& e) {
+    std::fprintf(stderr, "mp2lf: cannot convert %s: %s; nothing written\n", o.input.c_str(),
+                 e.what());
+    return 1;
+  }
+  const Output out = convert(c, o);
+  if (out.nbus == 0) {
+    std::fprintf(stderr, "mp2lf: cannot convert %s: no bus is in service; nothing written\n",
+                 o.input.c_str());
+    return 1;
+  }
+  if (!write_all(o.stem, out)) return 1;
+  std::printf(
+      "mp2lf: wrote %s.L0-.L6: %d buses, %d lines, %d shunt rows, %d transformers, %d generators, "
+      "%d loads; left out %d isolated buses, %d branches and %d generators out of service or "
+      "isolated\n",
+      o.stem.c_str(), out.nbus, out.nline, out.nshunt, out.ntrans, out.ngen, out.nload,
+      out.dropped_buses, out.dropped_branches, out.dropped_gens);
+  return 0;
+}
