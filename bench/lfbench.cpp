@@ -2,8 +2,8 @@
 //
 //   lfbench [--repeat N] [--timing FILE] [--variant NAME] DIR...
 //
-// Each DIR holds one converted case with its NAME.INC; the case's own method
-// is the one timed.  The calculation runs N times through its stages in the
+// Each DIR holds one converted case, named as the folder; the case's own
+// method is the one timed.  The calculation runs N times through its stages in the
 // driver's order (read, preparation, ordering, admittance, iteration,
 // reports), each stage timed on its own, and once more N times as one whole
 // LFCal.  The table gives the median of each, the iterations (rows of the
@@ -12,7 +12,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
+#include <ctime>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -38,11 +38,18 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+// Times are the processor time of the calculation's thread, user and system,
+// so that other work on a shared machine does not count.
+struct Clock {
+  using time_point = double;
+  static double now() {
+    timespec t;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
+  }
+};
 
-double seconds_since(Clock::time_point t0) {
-  return std::chrono::duration<double>(Clock::now() - t0).count();
-}
+double seconds_since(Clock::time_point t0) { return Clock::now() - t0; }
 
 double median(std::vector<double> v) {
   std::sort(v.begin(), v.end());
@@ -197,7 +204,9 @@ int main(int argc, char** argv) {
         staged_total.push_back(sum);
       }
       const int method = lf::LFINF.method;
-      const std::string name = lf::casename.trimmed();
+      std::string name = dir;
+      while (name.size() > 1 && name.back() == '/') name.pop_back();
+      name = name.substr(name.find_last_of('/') + 1);
       // The whole calculation as the host runs it.
       for (int r = 0; r < repeat; ++r) {
         const auto t0 = Clock::now();

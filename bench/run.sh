@@ -42,14 +42,14 @@ trap 'rm -rf "$work"' EXIT
 variant=base
 [ $qlim = 1 ] && variant=qlim
 dirs=()
-for m in "${cases[@]}"; do
-  name=$(basename "$m" .m)
-  for method in 1 2 3 4; do
-    d=$work/$name/m$method
+for method in 1 2 3 4; do
+  for m in "${cases[@]}"; do
+    name=$(basename "$m" .m)
+    d=$work/m$method/$name
     mkdir -p "$d"
-    opts=(--method "$method" --tolerance 1e-8 --iterations 50 --name-inc)
+    opts=(--method "$method" --tolerance 1e-8 --iterations 50)
     [ $qlim = 1 ] && opts+=(--qlim)
-    "$build/mp2lf" "${opts[@]}" "$m" "$d/$name" >/dev/null
+    "$build/mp2lf" "$m" "$d/LF" "${opts[@]}" >/dev/null
     dirs+=("$d")
   done
 done
@@ -59,11 +59,11 @@ done
 # The whole host process on the largest case, method 1.
 for d in "${dirs[@]}"; do
   case "$d" in
-    */case2383wp/m1)
+    */m1/case2383wp)
       times=()
       for _ in $(seq "$repeat"); do
         t0=$(date +%s%N)
-        (cd "$d" && "$build/lfrun" case2383wp >/dev/null 2>&1) || true
+        (cd "$d" && "$build/lfrun" LF >/dev/null 2>&1) || true
         t1=$(date +%s%N)
         times+=($(( (t1 - t0) / 1000 )))
       done

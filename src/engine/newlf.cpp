@@ -27,6 +27,7 @@ namespace lf {
 CaseName casename;
 CaseName datalibname;
 CaseName udlibname;
+int32_t NLFAST = 0;
 int32_t adjcount = 0;
 int32_t adjflag = 0;
 
@@ -52,6 +53,10 @@ int32_t timer() {
 
 // Runs the iteration method that LFINF.method selects.
 void run_method(int32_t& convergent) {
+  if (NLFAST != 0) {
+    nlfast(convergent);
+    return;
+  }
   switch (LFINF.method) {
     case 1:  // Newton's method with the correction test
       newton(convergent);
