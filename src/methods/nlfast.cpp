@@ -1,9 +1,9 @@
-// The nonlinear method: the Jacobian is formed and factorised once, at the
-// start voltages, and kept to the end.  The power equations are quadratic in
-// E and F, so the power at E0 - X, F0 - X is exactly P(E0, F0) - J X + P(X);
-// each iteration solves J X = S - P(E0, F0) - P(X) with the second-order term
-// P(X) of the last accumulated correction X.  Its table goes to the standard
-// output of the run.
+// The nonlinear method: the Jacobian J of the mismatches is formed and
+// factorised once, at the start voltages, and kept to the end.  The power
+// equations are quadratic in E and F, so the power at E0 - X1, F0 - X2 is
+// exactly P(E0, F0) + J X + P(X1, X2); each iteration solves
+// J X = S - P(E0, F0) - P(X1, X2) with the second-order term of the last
+// accumulated correction X.  Its table goes to the standard output of the run.
 #include <cmath>
 #include <cstdio>
 
