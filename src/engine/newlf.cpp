@@ -14,9 +14,11 @@
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
 #include "methods/newton.hpp"
+#include "methods/pqdecp.hpp"
 #include "netprep/netprep.hpp"
 #include "report/area.hpp"
 #include "report/reports.hpp"
+#include "rtdb/rtdb.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
@@ -70,10 +72,10 @@ void run_method(int32_t& convergent) {
     case 4:  // Newton's method on power equations
       newtonp(convergent);
       break;
-    default:  // 0 and every negative value: the P-Q decoupled method, pqdecp(convergent)
+    default:  // 0 and every negative value: the P-Q decoupled method
+      pqdecp(convergent);
       break;
   }
-  (void)convergent;
 }
 
 // The area interchange loop: the method runs again after each adjustment of
@@ -135,10 +137,9 @@ void newlf(int32_t& convergent) {
   errlist_open();
   read_names();
 
-  // The case: rdrtlf() from the database, rdlf(casename, datalibname) from
-  // the case files.
+  // The case, from the database or from the case files.
   if (RTDBLSCMN.rtdbmode != 0) {
-    // rdrtlf()
+    rdrtlf();
   } else {
     rdlf(casename, datalibname);
   }
@@ -161,10 +162,9 @@ void newlf(int32_t& convergent) {
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
 
-  // The results, converged or not: wtrtlf(convergent) to the database,
-  // wtlf(convergent, casename) to the report files.
+  // The results, converged or not, to the database or to the report files.
   if (RTDBLSCMN.rtdbmode != 0) {
-    // wtrtlf(convergent)
+    wtrtlf(convergent);
   } else {
     wtlf(convergent, casename);
   }
