@@ -9,10 +9,13 @@
 #include <tuple>
 #include <vector>
 
+#include "casefile/readers.hpp"
 #include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
 #include "netprep/netprep.hpp"
+#include "report/area.hpp"
+#include "report/reports.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
@@ -79,8 +82,7 @@ void iterate(int32_t& convergent) {
       wstring("Area Interchange Will Not Be Readjusted");
       return;
     }
-    adjflag = 0;
-    // The area adjustment: adjare(adjflag)
+    adjare(adjflag);
     if (adjflag != 1) return;
   }
 }
@@ -128,7 +130,7 @@ void newlf(int32_t& convergent) {
   if (RTDBLSCMN.rtdbmode != 0) {
     // rdrtlf()
   } else {
-    // rdlf(casename, datalibname)
+    rdlf(casename, datalibname);
   }
 
   // Network preparation.
@@ -154,7 +156,7 @@ void newlf(int32_t& convergent) {
   if (RTDBLSCMN.rtdbmode != 0) {
     // wtrtlf(convergent)
   } else {
-    // wtlf(convergent, casename)
+    wtlf(convergent, casename);
   }
 
   // The model output (udclio, udwinf, wtmud while NU.nud stays nonzero)

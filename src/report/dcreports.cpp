@@ -62,23 +62,25 @@ void wlp4_new(const CaseName& casename) {
   // of the line before.
   double rt = 0, lt = 0, lst = 0, xct = 0, xcjt = 0;
   for (int32_t k = 1; k <= LFINF.ndcline; ++k) {
-    const double rl = NL4.rl_ohm[k], ll = NL4.ll_mh[k], ls = NL4.lsi_mh[k] + NL4.lsj_mh[k];
-    const double rp = NL4.rpi_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
-    const double lp = NL4.lpi_mh[k] + NL4.lpj_mh[k];
+    const double rl = NL4.rl_ohm[k], ll = NL4.ll_mh[k], lsi = NL4.lsi_mh[k], lsj = NL4.lsj_mh[k];
+    const double rpi = NL4.rpi_ohm[k], rpj = NL4.rpj_ohm[k], rei = NL4.rei_ohm[k],
+                 rej = NL4.rej_ohm[k];
+    const double lpi = NL4.lpi_mh[k], lpj = NL4.lpj_mh[k];
     const double xci = DCLFPU.xci[k], xcj = DCLFPU.xcj[k];
     switch (NL4.op_mode[k]) {
       case 20:
-        rt = 2 * rl, lt = 2 * ll, lst = 2 * ls, xct = 2 * xci, xcjt = 2 * xcj;
+        rt = 2 * rl, lt = 2 * ll, lst = 2 * (lsi + lsj), xct = 2 * xci, xcjt = 2 * xcj;
         break;
       case 10:
-        rt = rl + NL4.rpi_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
-        lt = ll + lp, lst = ls, xct = xci, xcjt = xcj;
+        rt = rl + rpi + rpj + rei + rej, lt = ll + lpi + lpj, lst = lsi + lsj;
+        xct = xci, xcjt = xcj;
         break;
       case 11:
-        rt = 2 * rl, lt = 2 * ll, lst = 2 * ls, xct = xci, xcjt = xcj;
+        rt = 2 * rl, lt = 2 * ll, lst = 2 * (lsi + lsj), xct = xci, xcjt = xcj;
         break;
       case 12:
-        rt = 0.5 * rl + rp, lt = 0.5 * ll + lp, lst = 0.5 * ls, xct = xci, xcjt = xcj;
+        rt = 0.5 * rl + rpi + rpj + rei + rej, lt = 0.5 * ll + lpi + lpj, lst = 0.5 * (lsi + lsj);
+        xct = xci, xcjt = xcj;
         break;
       default:
         break;

@@ -246,7 +246,7 @@ void wlp2(const CaseName& casename) {
   for (int32_t r = 1; r <= LFINF.nacline; ++r) {
     row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
     out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
-            csv_f({pij, qij, -pji, -qji, ci, cj}, 10, 5));
+            csv_f({pij, qij, 0.0 - pji, 0.0 - qji, ci, cj}, 10, 5));
   }
 }
 
@@ -257,7 +257,7 @@ void wlp3(const CaseName& casename) {
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const int32_t r = LFINF.nacline + t;
     row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
-    double pb = -pji, qb = -qji;
+    double pb = 0.0 - pji, qb = 0.0 - qji;  // counted from I to J
     const int32_t i = NEW[IJOPEN.I[r]], j = NEW[IJOPEN.J[r]];
     if (L3P.mode_ctrl[t] == 1 || L3P.mode_ctrl[t] == 2) {  // a model's transformer control
       pij -= LFUDOT.UDPINJ[i];

@@ -50,61 +50,49 @@ struct Matrix {
   const double *aa, *ab, *ac, *ad;
 };
 
-// Loads the entries of column i on and below the diagonal into the work row.
+// Loads the entries of column i on and below the diagonal into side 0 of the
+// work row and those of row i right of the diagonal into side 1.
 template <bool Discover>
-void load_column(const Matrix& A, int32_t i, BlockWork& w) {
-  const int32_t start = A.chfirst[i];
-  if (start == 0) return;
-  int32_t p = start, row = A.chfirstrow[i];
-  do {
-    if (Discover) w.enter(row);
-    if (w.has(row)) w.set(row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
-    row = A.chrow[p];
-    p = A.chpos[p];
-  } while (p != start && p != 0);
-}
-
-// Loads the entries of row i right of the diagonal into the work row.
-template <bool Discover>
-void load_row(const Matrix& A, int32_t i, BlockWork& w) {
+void load(const Matrix& A, int32_t i, BlockWork& w) {
+  if (const int32_t start = A.chfirst[i]; start != 0) {
+    int32_t p = start, row = A.chfirstrow[i];
+    do {
+      if (Discover) w.enter(0, row);
+      if (w.has(0, row)) w.set(0, row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+      row = A.chrow[p];
+      p = A.chpos[p];
+    } while (p != start && p != 0);
+  }
   const int32_t end = A.ia[i + 1];
   const int32_t from = A.upfirst[i] != 0 ? A.upfirst[i] : end;
   for (int32_t p = from; p < end; ++p) {
     const int32_t c = A.ja[p];
-    if (Discover) w.enter(c);
-    if (w.has(c)) w.set(c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+    if (Discover) w.enter(1, c);
+    if (w.has(1, c)) w.set(1, c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
   }
 }
 
-// Column i of L and row i of U into the work rows wl and wu: the matrix's
-// entries less the products of the earlier columns and rows.  q is the
-// pivot position of i, whose chain is complete.
+// Column i of L and row i of U in the work row: the matrix's entries less
+// the products of the earlier columns and rows.  q is the pivot position of
+// i, whose chain is complete.  Each earlier k on the chain holds U[k][i] and
+// L[i][k] at one position p: column i of L gets L[., k] U[k][i] taken off
+// from row i on, row i of U gets L[i][k] U[k, .] taken off right of column i.
 template <bool Discover>
-void eliminate(const Matrix& A, const Stores& S, int32_t i, int32_t q, BlockWork& wl,
-               BlockWork& wu) {
-  load_column<Discover>(A, i, wl);
-  // Earlier rows k with U[k][i]: L[., i] -= L[., k] U[k][i], from row i on.
+void eliminate(const Matrix& A, const Stores& S, int32_t i, int32_t q, BlockWork& w) {
+  load<Discover>(A, i, w);
   for (int32_t p = q, k = S.unrow[p]; k != 0 && k != i; k = S.unrow[p]) {
     p = S.unpos[p];
-    const double alpha[4] = {-S.ua[p], -S.ub[p], -S.uc[p], -S.ud[p]};
+    const double ualpha[4] = {-S.ua[p], -S.ub[p], -S.uc[p], -S.ud[p]};
+    const double lalpha[4] = {-S.la[p], -S.lb[p], -S.lc[p], -S.ld[p]};
     const int32_t m = S.il[k + 1] - p;
     if (Discover) {
-      m2axpy(0, wl, m, S.jl + p, S.la + p, S.lb + p, S.lc + p, S.ld + p, alpha);
+      m2axpy(0, w, m, S.jl + p, S.la + p, S.lb + p, S.lc + p, S.ld + p, ualpha);
+      m2axpy(1, w, m - 1, S.ju + p + 1, S.ua + p + 1, S.ub + p + 1, S.uc + p + 1, S.ud + p + 1,
+             lalpha);
     } else {
-      m2axpyo(0, wl, m, S.jl + p, S.la + p, S.lb + p, S.lc + p, S.ld + p, alpha);
-    }
-  }
-  load_row<Discover>(A, i, wu);
-  // Earlier columns k with L[i][k]: U[i, .] -= L[i][k] U[k, .], right of column i.
-  for (int32_t p = q, k = S.lnrow[p]; k != 0 && k != i; k = S.lnrow[p]) {
-    p = S.lnpos[p];
-    const double alpha[4] = {-S.la[p], -S.lb[p], -S.lc[p], -S.ld[p]};
-    const int32_t m = S.iu[k + 1] - p - 1;
-    if (Discover) {
-      m2axpy(1, wu, m, S.ju + p + 1, S.ua + p + 1, S.ub + p + 1, S.uc + p + 1, S.ud + p + 1, alpha);
-    } else {
-      m2axpyo(1, wu, m, S.ju + p + 1, S.ua + p + 1, S.ub + p + 1, S.uc + p + 1, S.ud + p + 1,
-              alpha);
+      m2axpyo(0, w, m, S.jl + p, S.la + p, S.lb + p, S.lc + p, S.ld + p, ualpha);
+      m2axpyo(1, w, m - 1, S.ju + p + 1, S.ua + p + 1, S.ub + p + 1, S.uc + p + 1, S.ud + p + 1,
+              lalpha);
     }
   }
 }
@@ -112,9 +100,9 @@ void eliminate(const Matrix& A, const Stores& S, int32_t i, int32_t q, BlockWork
 // Stores the pivot of column i at q and the entries of L and U at the
 // positions q+1 .. q+count whose columns jl already names: L as worked out,
 // U multiplied from the left by the inverse of the pivot block.
-void store(const Stores& S, int32_t i, int32_t q, int32_t count, const BlockWork& wl,
-           const BlockWork& wu) {
-  const double pa = wl.a[i], pb = wl.b[i], pc = wl.c[i], pd = wl.d[i];
+void store(const Stores& S, int32_t i, int32_t q, int32_t count, const BlockWork& w) {
+  const double* piv = w.block(0, i);
+  const double pa = piv[0], pb = piv[1], pc = piv[2], pd = piv[3];
   S.la[q] = pa;
   S.lb[q] = pb;
   S.lc[q] = pc;
@@ -128,11 +116,13 @@ void store(const Stores& S, int32_t i, int32_t q, int32_t count, const BlockWork
   const double ia = pd / det, ib = -pb / det, ic = -pc / det, id = pa / det;
   for (int32_t s = q + 1; s <= q + count; ++s) {
     const int32_t j = S.jl[s];
-    S.la[s] = wl.a[j];
-    S.lb[s] = wl.b[j];
-    S.lc[s] = wl.c[j];
-    S.ld[s] = wl.d[j];
-    const double wa = wu.a[j], wb = wu.b[j], wc = wu.c[j], wd = wu.d[j];
+    const double* l = w.block(0, j);
+    S.la[s] = l[0];
+    S.lb[s] = l[1];
+    S.lc[s] = l[2];
+    S.ld[s] = l[3];
+    const double* u = w.block(1, j);
+    const double wa = u[0], wb = u[1], wc = u[2], wd = u[3];
     S.ua[s] = ia * wa + ib * wc;
     S.ub[s] = ia * wb + ib * wd;
     S.uc[s] = ic * wa + id * wc;
@@ -206,7 +196,7 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
   iu.grow(static_cast<std::size_t>(std::max(n, 0)) + 1);
   G.room(static_cast<std::size_t>(std::max(capacity, 1)));
 
-  BlockWork wl(n), wu(n);
+  BlockWork w(n);
   // Per column: first and last entry stored so far above the diagonal.
   std::vector<int32_t> first(static_cast<std::size_t>(std::max(n, 0)) + 1, 0);
   std::vector<int32_t> firstrow(first.size(), 0), lastpos(first.size(), 0);
@@ -239,21 +229,20 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
       lnpos[lastpos[ci]] = unpos[lastpos[ci]] = q;
     }
 
-    wl.begin();
-    wl.enter(i);
-    wu.begin();
-    eliminate<true>(A, G.view(), i, q, wl, wu);
+    w.begin();
+    w.enter(0, i);
+    eliminate<true>(A, G.view(), i, q, w);
 
     // The positions of row i: the union of both patterns (they agree on a
     // structurally symmetric matrix), ascending, without the pivot.
     cols.clear();
-    for (int32_t j : wl.cols)
+    for (int32_t j : w.cols[0])
       if (j != i) cols.push_back(j);
-    for (int32_t j : wu.cols)
-      if (!wl.has(j)) cols.push_back(j);
+    for (int32_t j : w.cols[1])
+      if (!w.has(0, j)) cols.push_back(j);
     for (int32_t j : cols) {
-      wl.enter(j);
-      wu.enter(j);
+      w.enter(0, j);
+      w.enter(1, j);
     }
     std::sort(cols.begin(), cols.end());
     const int32_t count = static_cast<int32_t>(cols.size());
@@ -263,7 +252,7 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
       jl[s] = ju[s] = cols[static_cast<std::size_t>(t)];
       link(s, i, cols[static_cast<std::size_t>(t)]);
     }
-    store(G.view(), i, q, count, wl, wu);
+    store(G.view(), i, q, count, w);
     q += 1 + count;
     il[i + 1] = iu[i + 1] = q;
   }
@@ -287,19 +276,18 @@ void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int3
   const Stores S{il.data(),    jl.data(),    lnrow.data(), lnpos.data(), iu.data(), ju.data(),
                  unrow.data(), unpos.data(), la.data(),    lb.data(),    lc.data(), ld.data(),
                  ua.data(),    ub.data(),    uc.data(),    ud.data()};
-  BlockWork wl(n), wu(n);
+  BlockWork w(n);
   for (int32_t i = 1; i <= n; ++i) {
     const int32_t q = S.il[i];
     const int32_t count = S.il[i + 1] - q - 1;
-    wl.begin();
-    wl.enter(i);
-    wu.begin();
+    w.begin();
+    w.enter(0, i);
     for (int32_t s = q + 1; s <= q + count; ++s) {
-      wl.enter(S.jl[s]);
-      wu.enter(S.ju[s]);
+      w.enter(0, S.jl[s]);
+      w.enter(1, S.ju[s]);
     }
-    eliminate<false>(A, S, i, q, wl, wu);
-    store(S, i, q, count, wl, wu);
+    eliminate<false>(A, S, i, q, w);
+    store(S, i, q, count, w);
   }
 }
 

@@ -4,28 +4,33 @@ namespace lf {
 
 namespace {
 
+// One side of the work row gets x alpha or alpha x added over the entries.
+// With Add, an index that the side lacks is entered first (fill-in).  On a
+// pattern found before every index is there already, since the pattern of
+// column i holds the fill of each earlier column that meets it, so nothing
+// is looked up.
 template <bool Add, int Side>
 void update(BlockWork& w, int32_t m, const int32_t* xj, const double* xa, const double* xb,
             const double* xc, const double* xd, const double alpha[4]) {
   const double aa = alpha[0], ab = alpha[1], ac = alpha[2], ad = alpha[3];
-  double *wa = w.a.data(), *wb = w.b.data(), *wc = w.c.data(), *wd = w.d.data();
+  BlockWork::Cell* cell = w.cell.data();
   for (int32_t t = 0; t < m; ++t) {
     const int32_t j = xj[t];
-    if (!w.has(j)) {
-      if (!Add) continue;
-      w.enter(j);
+    if constexpr (Add) {
+      if (!w.has(Side, j)) w.enter(Side, j);
     }
+    double* v = cell[j].v[Side];
     const double pa = xa[t], pb = xb[t], pc = xc[t], pd = xd[t];
-    if (Side == 0) {
-      wa[j] += pa * aa + pb * ac;
-      wb[j] += pa * ab + pb * ad;
-      wc[j] += pc * aa + pd * ac;
-      wd[j] += pc * ab + pd * ad;
+    if constexpr (Side == 0) {
+      v[0] += pa * aa + pb * ac;
+      v[1] += pa * ab + pb * ad;
+      v[2] += pc * aa + pd * ac;
+      v[3] += pc * ab + pd * ad;
     } else {
-      wa[j] += aa * pa + ab * pc;
-      wb[j] += aa * pb + ab * pd;
-      wc[j] += ac * pa + ad * pc;
-      wd[j] += ac * pb + ad * pd;
+      v[0] += aa * pa + ab * pc;
+      v[1] += aa * pb + ab * pd;
+      v[2] += ac * pa + ad * pc;
+      v[3] += ac * pb + ad * pd;
     }
   }
 }

@@ -1,9 +1,10 @@
 // The work row of the block factorisation and its row updates.
 //
-// The work row is held densely by column (or row) index, with a mark telling
-// which indices belong to the present pattern and the list of those indices
-// in the order they were entered.  Each column of L and row of U is built in
-// one of these before it is stored.
+// Column i of L and row i of U are built side by side in one work row held
+// densely by index: the cell of index j holds the L block of row j and the U
+// block of column j together, so that an update touches one cache line per
+// index.  Each side has a mark telling which indices belong to its present
+// pattern, and the list of those indices in the order they were entered.
 #pragma once
 
 #include <cstdint>
@@ -12,44 +13,53 @@
 namespace lf {
 
 struct BlockWork {
-  std::vector<double> a, b, c, d;  // the blocks, by index
-  std::vector<int32_t> mark;       // == stamp: the index is in the pattern
-  std::vector<int32_t> cols;       // the pattern's indices, as entered
+  // Side 0 is the column of L, side 1 the row of U.
+  struct alignas(64) Cell {
+    double v[2][4];  // [side][a, b, c, d]
+  };
+  std::vector<Cell> cell;
+  std::vector<int32_t> mark[2];  // == stamp: the index is in the side's pattern
+  std::vector<int32_t> cols[2];  // the side's pattern, as entered
   int32_t stamp = 0;
 
-  explicit BlockWork(int32_t n)
-      : a(static_cast<std::size_t>(n > 0 ? n : 0) + 1),
-        b(a.size()),
-        c(a.size()),
-        d(a.size()),
-        mark(a.size(), 0) {}
+  explicit BlockWork(int32_t n) : cell(static_cast<std::size_t>(n > 0 ? n : 0) + 1) {
+    mark[0].assign(cell.size(), 0);
+    mark[1].assign(cell.size(), 0);
+  }
 
-  // Starts an empty pattern.
+  // Starts empty patterns on both sides.
   void begin() {
     ++stamp;
-    cols.clear();
+    cols[0].clear();
+    cols[1].clear();
   }
-  bool has(int32_t j) const { return mark[static_cast<std::size_t>(j)] == stamp; }
-  // Adds index j with a zero block, once.
-  void enter(int32_t j) {
+  bool has(int side, int32_t j) const { return mark[side][static_cast<std::size_t>(j)] == stamp; }
+  // Adds index j to a side with a zero block, once.
+  void enter(int side, int32_t j) {
     const std::size_t k = static_cast<std::size_t>(j);
-    if (mark[k] == stamp) return;
-    mark[k] = stamp;
-    cols.push_back(j);
-    a[k] = b[k] = c[k] = d[k] = 0.0;
+    if (mark[side][k] == stamp) return;
+    mark[side][k] = stamp;
+    cols[side].push_back(j);
+    double* v = cell[k].v[side];
+    v[0] = v[1] = v[2] = v[3] = 0.0;
   }
-  void set(int32_t j, double va, double vb, double vc, double vd) {
-    const std::size_t k = static_cast<std::size_t>(j);
-    a[k] = va;
-    b[k] = vb;
-    c[k] = vc;
-    d[k] = vd;
+  const double* block(int side, int32_t j) const {
+    return cell[static_cast<std::size_t>(j)].v[side];
+  }
+  void set(int side, int32_t j, double a, double b, double c, double d) {
+    double* v = cell[static_cast<std::size_t>(j)].v[side];
+    v[0] = a;
+    v[1] = b;
+    v[2] = c;
+    v[3] = d;
   }
 };
 
-// Block row update w += x alpha (side 0) or w += alpha x (side 1) over the m
-// entries xj[0..m-1] with blocks xa..xd; alpha is {a, b, c, d}.  m2axpy enters
-// indices that the work row lacks (fill-in); m2axpyo leaves them out.
+// Block row update of one side of the work row over the m entries xj[0..m-1]
+// with blocks xa..xd; alpha is {a, b, c, d}.  Side 0 adds x alpha (a column
+// of L), side 1 adds alpha x (a row of U).  m2axpy enters the indices that the
+// side lacks (fill-in); m2axpyo adds nothing and expects the pattern that
+// m2axpy found on the same structure.
 void m2axpy(int side, BlockWork& w, int32_t m, const int32_t* xj, const double* xa,
             const double* xb, const double* xc, const double* xd, const double alpha[4]);
 void m2axpyo(int side, BlockWork& w, int32_t m, const int32_t* xj, const double* xa,

@@ -56,16 +56,58 @@ struct Links {
   }
 };
 
-// A candidate of the selection: smaller degree first, then smaller level,
-// then lower number.  Entries go stale when a node's degree or level changes
-// and are skipped when they come up.
-struct Key {
-  int32_t deg, level, node;
-  bool operator>(const Key& o) const {
-    if (deg != o.deg) return deg > o.deg;
-    if (level != o.level) return level > o.level;
-    return node > o.node;
+// The candidates of the selection: smaller degree first, then smaller level,
+// then lower number.  One bucket per degree.  The nodes still at their first
+// level come in ascending number from the start and wait in a plain queue;
+// every later entry goes to a min-heap of level and number packed into one
+// key.  Entries go stale when a node's degree or level changes (a fresh entry
+// is pushed then); the caller skips them when they come up.
+class Candidates {
+ public:
+  // A node at the first level; nodes are seeded in ascending number.
+  void seed(int32_t deg, int32_t node) { at(deg).queue.push_back(node); }
+  void push(int32_t deg, int32_t level, int32_t node) {
+    auto& h = at(deg).heap;
+    h.push_back(key(level, node));
+    std::push_heap(h.begin(), h.end(), std::greater<>());
   }
+  // The least entry; false when none is left.
+  bool pop(int32_t& deg, int32_t& level, int32_t& node) {
+    while (low_ < bucket_.size() && bucket_[low_].empty()) ++low_;
+    if (low_ == bucket_.size()) return false;
+    Bucket& b = bucket_[low_];
+    uint64_t k;
+    if (b.head < b.queue.size() && (b.heap.empty() || key(1, b.queue[b.head]) < b.heap.front())) {
+      k = key(1, b.queue[b.head++]);
+    } else {
+      std::pop_heap(b.heap.begin(), b.heap.end(), std::greater<>());
+      k = b.heap.back();
+      b.heap.pop_back();
+    }
+    deg = static_cast<int32_t>(low_);
+    level = static_cast<int32_t>(k >> 32);
+    node = static_cast<int32_t>(k & 0xffffffffu);
+    return true;
+  }
+
+ private:
+  struct Bucket {
+    std::vector<int32_t> queue;
+    std::size_t head = 0;
+    std::vector<uint64_t> heap;
+    bool empty() const { return head == queue.size() && heap.empty(); }
+  };
+  static uint64_t key(int32_t level, int32_t node) {
+    return static_cast<uint64_t>(level) << 32 | static_cast<uint32_t>(node);
+  }
+  Bucket& at(int32_t deg) {
+    const std::size_t d = static_cast<std::size_t>(deg);
+    if (d >= bucket_.size()) bucket_.resize(d + 1);
+    low_ = std::min(low_, d);
+    return bucket_[d];
+  }
+  std::vector<Bucket> bucket_;
+  std::size_t low_ = 0;
 };
 
 }  // namespace
@@ -122,30 +164,24 @@ void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32
     }
   }
 
-  std::vector<Key> heap;
-  heap.reserve(nodes * 2);
+  Candidates cand;
   for (int32_t v = 1; v <= maxbus; ++v) {
     if (deg[v] > 0) {
       level[v] = 1;
       ++n;
-      heap.push_back({deg[v], 1, v});
+      cand.seed(deg[v], v);
     } else {
       deg[v] = -1;
       level[v] = 0;
       newnum[v] = 0;
     }
   }
-  std::make_heap(heap.begin(), heap.end(), std::greater<>());
 
   std::vector<int32_t> nbrs;  // best's neighbours in list order
   int32_t stamp = 0;
   int32_t numbered = 0;
-  while (!heap.empty()) {
-    std::pop_heap(heap.begin(), heap.end(), std::greater<>());
-    Key top = heap.back();
-    heap.pop_back();
-    int32_t best = top.node;
-    if (deg[best] != top.deg || level[best] != top.level) continue;  // stale entry
+  for (int32_t d = 0, l = 0, best = 0; cand.pop(d, l, best);) {
+    if (deg[best] != d || level[best] != l) continue;  // stale entry
 
     newnum[best] = ++numbered;
     nbrs.clear();
@@ -173,10 +209,7 @@ void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32
       }
     }
     deg[best] = -1;
-    for (int32_t a : nbrs) {
-      heap.push_back({deg[a], level[a], a});
-      std::push_heap(heap.begin(), heap.end(), std::greater<>());
-    }
+    for (int32_t a : nbrs) cand.push(deg[a], level[a], a);
   }
   cells = lk.used;
 }

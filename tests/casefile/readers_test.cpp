@@ -309,5 +309,29 @@ TEST_F(Readers, RecordsGrowPastTheirStartingCapacity) {
   EXPECT_EQ(L5.ibs[n], n);
 }
 
+// The bundled examples read without a word; the hand-written one has its
+// switches, its opened line end and its two loads on one bus.
+TEST_F(Readers, BundledExamplesRead) {
+  const std::filesystem::path examples = std::filesystem::path(LF_TEST_DATA_DIR) / "../../examples";
+  for (const char* stem : {"substation/SUBST", "ieee14/IEEE14", "ieee118/IEEE118"}) {
+    SCOPED_TRACE(stem);
+    const std::filesystem::path from = examples / stem;
+    for (const auto& f : std::filesystem::directory_iterator(from.parent_path()))
+      if (f.path().stem() == from.filename())
+        std::filesystem::copy_file(f.path(), dir_ / ("CASE" + f.path().extension().string()),
+                                   std::filesystem::copy_options::overwrite_existing);
+    rdlf(name(), lib());
+    EXPECT_THAT(messages(), IsEmpty());
+    EXPECT_GT(LFINF.nbus, 0);
+    if (LF93.ctrl_sub != 0) {
+      EXPECT_EQ(LF93.nswitch, 2);
+      EXPECT_EQ(IJOPEN.mark[5], 2);
+      EXPECT_EQ(LF93.loadshare, 1);
+    }
+    for (const char* ext : {".L0", ".L1", ".L2", ".L3", ".L5", ".L6", ".L13"})
+      std::filesystem::remove(dir_ / (std::string("CASE") + ext));
+  }
+}
+
 }  // namespace
 }  // namespace lf

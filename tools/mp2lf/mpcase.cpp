@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <set>
 
@@ -233,6 +234,12 @@ const Matrix& matrix(const std::map<std::string, Value>& f, const char* name, st
   return v.rows;
 }
 
+std::string number_text(double x) {
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%g", x);
+  return buf;
+}
+
 bool whole(double x) {
   return std::isfinite(x) && x == std::floor(x);
 }
@@ -258,13 +265,13 @@ MpCase parse_case(const std::string& text) {
   for (const auto& b : c.bus) {
     if (!whole(b[0]) || b[0] < 1) throw ParseError("a bus number must be a positive integer");
     if (!numbers.insert(b[0]).second)
-      throw ParseError("bus " + std::to_string(static_cast<long long>(b[0])) + " appears twice");
+      throw ParseError("bus " + number_text(b[0]) + " appears twice");
     for (int k = 1; k < 13; ++k)
       if (!std::isfinite(b[k])) throw ParseError("a bus has an infinite value");
   }
   auto known = [&](double n, const char* what) {
     if (!numbers.count(n))
-      throw ParseError(std::string(what) + " refers to bus " + std::to_string(n) +
+      throw ParseError(std::string(what) + " refers to bus " + number_text(n) +
                        ", which the bus matrix does not hold");
   };
   for (const auto& g : c.gen) {

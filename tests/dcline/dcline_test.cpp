@@ -1,0 +1,356 @@
+#include "dcline/dcline.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "report/dcreports.hpp"
+#include "report/fixture.hpp"
+
+namespace lf {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr double kPi = 3.14159265358979323846;
+
+// A 1000 MW, 500 kV line between a 230 kV and a 345 kV bus, resistances in
+// ohm: pole 1 + 10 line + 1 pole + 0.5 and 0.5 electrodes.
+void set_line(int32_t k, int32_t op_mode, int32_t i = 1, int32_t j = 2) {
+  NL4.I[k] = i;
+  NL4.J[k] = j;
+  NL4.No[k] = k;
+  NL4.LOSSAREA[k] = 3;
+  NL4.rpi_ohm[k] = 1;
+  NL4.lpi_mh[k] = 10;
+  NL4.rpj_ohm[k] = 1;
+  NL4.lpj_mh[k] = 10;
+  NL4.rl_ohm[k] = 10;
+  NL4.ll_mh[k] = 500;
+  NL4.rei_ohm[k] = 0.5;
+  NL4.rej_ohm[k] = 0.5;
+  NL4.lsi_mh[k] = 100;
+  NL4.lsj_mh[k] = 100;
+  NL4.vdrate_kv[k] = 500;
+  NL4.vhi_kv[k] = 230;
+  NL4.vli_kv[k] = 200;
+  NL4.i_bridge[k] = 2;
+  NL4.sti_mva[k] = 600;
+  NL4.xti_perc[k] = 15;
+  NL4.vtimax_kv[k] = 253;
+  NL4.vtimin_kv[k] = 207;
+  NL4.vhj_kv[k] = 345;
+  NL4.vlj_kv[k] = 200;
+  NL4.j_bridge[k] = 2;
+  NL4.stj_mva[k] = 600;
+  NL4.xtj_perc[k] = 15;
+  NL4.vtjmax_kv[k] = 379.5;
+  NL4.vtjmin_kv[k] = 310.5;
+  NL4.op_mode[k] = op_mode;
+  NL4.qci_mvar[k] = 300;
+  NL4.qcj_mvar[k] = 250;
+  NL4.pd1_mw[k] = 1000;
+  NL4.vd1_kv[k] = 500;
+  NL4.a1min_d[k] = 5;
+  NL4.a10_d[k] = 15;
+  NL4.gam1min_d[k] = 15;
+  NL4.gam10_d[k] = 18;
+  NL4.pd2_mw[k] = NL4.vd2_kv[k] = NL4.a2min_d[k] = NL4.a20_d[k] = NL4.gam2min_d[k] =
+      NL4.gam20_d[k] = 0;
+}
+
+void start_case(int32_t nlines) {
+  test::reset_store();
+  LFINF.base_mva = 100;
+  LFINF.ndcline = nlines;
+  for (int32_t b = 1; b <= 4; ++b) {
+    NEW[b] = b;
+    test::set_voltage(b, 1.0, 0);
+  }
+  test::set_voltage(2, 0.98, 0);
+  for (Arr<double>* a : {&DCLFOP.id20, &DCLFOP.vd10i, &DCLFOP.vd10j, &DCLFOP.vd20i, &DCLFOP.vd20j,
+                         &DCLFOP.a10r_d, &DCLFOP.a20r_d, &DCLFOP.vaci, &DCLFOP.vacj})
+    a->fill(0);
+}
+
+// The converter of one pole from its textbook relations: the rectifier
+// holds its DC voltage and firing angle, the inverter its extinction angle;
+// each end's AC power equals its DC power, and its reactive power follows
+// from the power factor Vd / E of a bridge with commutating reactance.
+struct Pole {
+  double tki, tkj, vdi, vdj, pi, qi, pj, qj;
+};
+Pole textbook(double vdi, double id, double alpha, double gamma, double rdc, double va, double vb,
+              double xci, double xcj) {
+  Pole p;
+  const double ei = (3 / kPi * xci * id + vdi) / std::cos(alpha * kPi / 180);
+  p.vdi = vdi;
+  p.vdj = vdi - id * rdc;
+  const double ej = (3 / kPi * xcj * id + p.vdj) / std::cos(gamma * kPi / 180);
+  p.tki = va / ei;
+  p.tkj = vb / ej;
+  p.pi = -id * p.vdi;
+  p.pj = id * p.vdj;
+  p.qi = -id * p.vdi * std::tan(std::acos(p.vdi / ei));
+  p.qj = -id * p.vdj * std::tan(std::acos(p.vdj / ej));
+  return p;
+}
+
+void expect_pole1(const Pole& p) {
+  EXPECT_NEAR(DCLFOP.tk1i[1], p.tki, 1e-8);
+  EXPECT_NEAR(DCLFOP.tk1j[1], p.tkj, 1e-8);
+  EXPECT_NEAR(DCLFOP.vd10i[1], p.vdi, 1e-8);
+  EXPECT_NEAR(DCLFOP.vd10j[1], p.vdj, 1e-8);
+  EXPECT_NEAR(DCLFOP.pd1i[1], p.pi, 1e-8);
+  EXPECT_NEAR(DCLFOP.qd1i[1], p.qi, 1e-8);
+  EXPECT_NEAR(DCLFOP.pd1j[1], p.pj, 1e-8);
+  EXPECT_NEAR(DCLFOP.qd1j[1], p.qj, 1e-8);
+}
+
+TEST(DcLine, PerUnitData) {
+  // AC base voltage by the class of the converter transformer's high voltage.
+  for (auto [kv, base] : {std::pair{40.0, 37.0},
+                          {40.5, 115.0},
+                          {150.0, 115.0},
+                          {230.0, 230.0},
+                          {370.0, 345.0},
+                          {440.0, 400.0},
+                          {550.0, 525.0},
+                          {850.0, 765.0},
+                          {851.0, 1150.0}}) {
+    start_case(1);
+    set_line(1, 10);
+    NL4.vhi_kv[1] = kv;
+    dcval();
+    EXPECT_EQ(DCBASE.vbi[1], base) << kv;
+  }
+  start_case(1);
+  set_line(1, 10);
+  dcval();
+  const double ldb = 2500 / (2 * kPi * 50) * 1000;  // mH of 2500 ohm at 50 Hz
+  EXPECT_NEAR(DCBASE.idb[1], 0.2, 1e-15);
+  EXPECT_NEAR(DCBASE.zdb[1], 2500, 1e-8);
+  EXPECT_NEAR(DCBASE.ldb[1], ldb, 1e-5);  // the constant of the line is rounded
+  EXPECT_NEAR(DCBASE.tkbi[1], 230.0 / 500 * 3 * std::sqrt(2.0) / kPi, 1e-9);
+  EXPECT_NEAR(NL4.rl_ohm[1], 10.0 / 2500, 1e-15);
+  EXPECT_NEAR(NL4.ll_mh[1], 500 / ldb, 1e-10);
+  EXPECT_NEAR(DCLFPU.xci[1], 400.0 * 400 * 0.15 / 600 / 2500, 1e-15);
+  EXPECT_NEAR(DCLFPU.qcip[1], 3, 1e-15);
+  // Nominal ratio at 230 kV; the range scales with the tap voltages.
+  EXPECT_NEAR(DCLFOP.tk1i[1] * 400 * DCBASE.tkbi[1], 230, 1e-9);
+  EXPECT_NEAR(DCLFPU.tkimax[1] / DCLFOP.tk1i[1], 253.0 / 230, 1e-8);
+  EXPECT_NEAR(DCLFOP.id10[1], 10, 1e-8);
+  EXPECT_EQ(DCLFOP.id20[1], 0);
+}
+
+TEST(DcLine, ConverterAndBalanceByMode) {
+  const double r_pole = 1.0 / 2500, r_line = 10.0 / 2500, r_earth = 0.5 / 2500;
+  const struct {
+    int32_t mode;
+    double rdc;
+  } modes[] = {{10, r_pole + r_line + r_pole + 2 * r_earth},
+               {11, 2 * r_line},
+               {12, 0.5 * r_line + 2 * r_pole + 2 * r_earth},
+               {20, r_line}};
+  for (const auto& m : modes) {
+    SCOPED_TRACE(m.mode);
+    start_case(1);
+    test::set_voltage(2, 1.0, 0);  // both taps inside their ranges in every mode
+    set_line(1, m.mode);
+    if (m.mode == 20) {  // a second pole of its own: 600 MW at 480 kV
+      NL4.pd2_mw[1] = 600;
+      NL4.vd2_kv[1] = 480;
+      NL4.a20_d[1] = 16;
+      NL4.gam20_d[1] = 19;
+    }
+    dcval();
+    dctran();
+    const double xc = 0.016;
+    const Pole p1 = textbook(1.0, 10, 15, 18, m.rdc, 1.0, 1.0, xc, xc);
+    expect_pole1(p1);
+    double pa = p1.pi, qa = p1.qi + 3, pb = p1.pj, qb = p1.qj + 2.5, loss = 100 * m.rdc;
+    if (m.mode == 20) {
+      const Pole p2 = textbook(0.96, 6 / 0.96, 16, 19, m.rdc, 1.0, 1.0, xc, xc);
+      EXPECT_NEAR(DCLFOP.vd20j[1], p2.vdj, 1e-8);
+      EXPECT_NEAR(DCLFOP.qd2j[1], p2.qj, 1e-8);
+      pa += p2.pi;
+      qa += p2.qi + 3;  // one filter per pole
+      pb += p2.pj;
+      qb += p2.qj + 2.5;
+      loss += (6 / 0.96) * (6 / 0.96) * m.rdc;
+    } else {
+      EXPECT_EQ(DCLFOP.pd2i[1], 0);
+      EXPECT_EQ(DCLFOP.vd20i[1], 0);
+    }
+    EXPECT_NEAR(VPQ.PDC[1], pa, 1e-8);
+    EXPECT_NEAR(VPQ.QDC[1], qa, 1e-8);
+    EXPECT_NEAR(VPQ.PDC[2], pb, 1e-8);
+    EXPECT_NEAR(VPQ.QDC[2], qb, 1e-8);
+    // What the rectifier draws, the inverter delivers less the I^2 R loss.
+    EXPECT_NEAR(VPQ.PDC[1] + VPQ.PDC[2], -loss, 1e-8);
+  }
+}
+
+TEST(DcLine, BipolarWithoutSecondPoleDataRunsTwoEqualPoles) {
+  start_case(1);
+  set_line(1, 20);
+  dcval();
+  dctran();
+  const Pole p = textbook(1.0, 10, 15, 18, 10.0 / 2500, 1.0, 0.98, 0.016, 0.016);
+  expect_pole1(p);
+  EXPECT_EQ(DCLFOP.id20[1], DCLFOP.id10[1]);
+  EXPECT_EQ(DCLFOP.tk2j[1], DCLFOP.tk1j[1]);
+  EXPECT_NEAR(VPQ.PDC[1], 2 * p.pi, 1e-8);
+  EXPECT_NEAR(VPQ.QDC[1], 2 * p.qi + 6, 1e-8);
+  EXPECT_NEAR(VPQ.QDC[2], 2 * p.qj + 5, 1e-8);
+}
+
+TEST(DcLine, TapLimits) {
+  const double rdc = 13.0 / 2500, c = 3 / kPi * 0.016 * 10;
+  const double ca = std::cos(15 * kPi / 180), cg = std::cos(18 * kPi / 180);
+
+  // Rectifier on its upper limit: its DC voltage gives.
+  start_case(1);
+  set_line(1, 10);
+  NL4.vtimax_kv[1] = 200;
+  NL4.vtimin_kv[1] = 150;
+  NL4.vtjmin_kv[1] = 250;  // room for the inverter to follow
+  dcval();
+  dctran();
+  const double tkimax = DCLFPU.tkimax[1];
+  EXPECT_EQ(DCLFOP.tk1i[1], tkimax);
+  double vdi = 1.0 / tkimax * ca - c;
+  EXPECT_NEAR(DCLFOP.vd10i[1], vdi, 1e-8);
+  EXPECT_NEAR(DCLFOP.tk1j[1], 0.98 / ((c + vdi - 10 * rdc) / cg), 1e-8);
+  EXPECT_NEAR(DCLFOP.pd1i[1], -10 * vdi, 1e-8);
+  EXPECT_EQ(DCLFOP.a10r_d[1], 15);
+
+  // Inverter on its upper limit: its DC voltage gives, the rectifier follows.
+  start_case(1);
+  set_line(1, 10);
+  NL4.vtjmax_kv[1] = 300;
+  NL4.vtjmin_kv[1] = 200;
+  NL4.vtimin_kv[1] = 150;  // room for the rectifier to follow
+  dcval();
+  dctran();
+  const double tkjmax = DCLFPU.tkjmax[1];
+  EXPECT_EQ(DCLFOP.tk1j[1], tkjmax);
+  double vdj = 0.98 / tkjmax * cg - c;
+  EXPECT_NEAR(DCLFOP.vd10j[1], vdj, 1e-8);
+  EXPECT_NEAR(DCLFOP.vd10i[1], vdj + 10 * rdc, 1e-8);
+  EXPECT_NEAR(DCLFOP.tk1i[1], 1.0 / ((c + vdj + 10 * rdc) / ca), 1e-8);
+  EXPECT_NEAR(DCLFOP.pd1j[1], 10 * vdj, 1e-8);
+
+  // Both on limits: the firing angle gives, and returns on the next call.
+  start_case(1);
+  set_line(1, 10);
+  NL4.vtimax_kv[1] = 200;
+  NL4.vtimin_kv[1] = 150;
+  NL4.vtjmax_kv[1] = 300;
+  NL4.vtjmin_kv[1] = 200;
+  dcval();
+  dctran();
+  EXPECT_EQ(DCLFOP.tk1i[1], DCLFPU.tkimax[1]);
+  EXPECT_EQ(DCLFOP.tk1j[1], DCLFPU.tkjmax[1]);
+  vdj = 0.98 / DCLFPU.tkjmax[1] * cg - c;
+  vdi = vdj + 10 * rdc;
+  const double alpha = std::acos((c + vdi) / (1.0 / DCLFPU.tkimax[1])) * 180 / kPi;
+  EXPECT_NEAR(DCLFOP.a10r_d[1], alpha, 1e-6);
+  EXPECT_GT(std::fabs(DCLFOP.a10r_d[1] - 15), 1);
+  EXPECT_NEAR(DCLFOP.pd1i[1], -10 * vdi, 1e-8);
+  EXPECT_NEAR(DCLFOP.pd1j[1], 10 * vdj, 1e-8);
+  DCLFPU.tkimax[1] = DCLFPU.tkjmax[1] = 2;
+  dctran();
+  EXPECT_EQ(DCLFOP.a10r_d[1], 15);
+}
+
+TEST(DcLine, VoltageWindowAndSharedBus) {
+  start_case(2);
+  set_line(1, 10);
+  set_line(2, 11, 1, 3);  // a second line from the same rectifier bus
+  dcval();
+  dctran();
+  const double p1 = DCLFOP.pd1i[1], p2 = DCLFOP.pd1i[2];
+  EXPECT_NEAR(VPQ.PDC[1], p1 + p2, 1e-8);
+  EXPECT_NEAR(VPQ.PDC[3], DCLFOP.pd1j[2], 1e-8);
+
+  // Outside 0.8 to 1.2 the last operating point stands.
+  test::set_voltage(1, 0.79, 0);
+  dctran();
+  EXPECT_EQ(DCLFOP.vaci[1], 1.0);
+  EXPECT_EQ(VPQ.PDC[1], p1 + p2);
+  test::set_voltage(1, 1.2000001, 0);
+  dctran();
+  EXPECT_EQ(DCLFOP.vaci[2], 1.0);
+  // The upper bound itself still counts as inside.
+  test::set_voltage(1, 1.2000000476837158, 0);
+  dctran();
+  EXPECT_EQ(DCLFOP.vaci[1], 1.2000000476837158);
+  EXPECT_NE(DCLFOP.qd1i[1], 0);
+}
+
+TEST(DcLine, ReportFiles) {
+  start_case(2);
+  set_line(1, 10);
+  set_line(2, 30, 3, 4);  // a mode outside the table carries the line before's values
+  NL4.LOSSAREA[2] = 0;
+  NL4.pd1_mw[2] = 500;
+  NL4.vhi_kv[2] = 500;
+  NL4.vhj_kv[2] = 120;
+  NL4.vtimax_kv[2] = 600;
+  NL4.vtimin_kv[2] = 400;
+  NL4.vtjmax_kv[2] = 140;
+  NL4.vtjmin_kv[2] = 100;
+  test::set_voltage(3, 1.02, 0);
+  dcval();
+  dctran();
+  const std::string stem = test::temp_stem();
+  nwlp4(CaseName(stem));
+  wlp4_new(CaseName(stem));
+  EXPECT_THAT(
+      test::file_lines(stem + ".nP4"),
+      ElementsAre(
+          "     1,     2,     1,     3,", "    10,",
+          "    10.000000000,     0.000000000,     1.000000000,     0.980000000,",
+          "   -10.000000000,    -6.514093877,     1.000000000,     0.837903588,    15.000000000,   "
+          " -9.474607406,",
+          "     9.480000000,    -6.640468512,     0.948000000,     0.846697779,    -8.524500989,",
+          "     0.000000000,     0.000000000,     0.000000000,     0.925600612,     0.000000000,   "
+          "  0.000000000,",
+          "     0.000000000,     0.000000000,     0.000000000,     0.925600612,     0.000000000,",
+          "   230.000000000,   345.000000000,   500.000000000,     0.200000000,  2500.000000000,  "
+          "7957.747153556,     0.621218258,     0.931827387,",
+          "     0.000400000,     0.001256637,     0.000400000,     0.001256637,     0.004000000,   "
+          "  0.062831853,     0.000200000,     0.000200000,     0.012566371,     0.012566371,",
+          "     0.016000000,     0.016000000,     1.018160674,     0.833040551,     1.018160674,   "
+          "  0.833040551,     3.000000000,     2.500000000,",
+          "     3,     4,     2,     0,", "    30,",
+          "     5.000000000,     5.000000000,     1.020000000,     1.000000000,",
+          "    -5.000000000,    -2.458710875,     1.000000000,     0.915319113,    15.000000000,   "
+          "  3.833668221,",
+          "     4.870000000,    -2.603525543,     0.974000000,     0.905428038,    -6.255261899,",
+          "    -5.000000000,    -2.458710875,     1.000000000,     0.915319113,    15.000000000,   "
+          "  3.833668221,",
+          "     4.870000000,    -2.603525543,     0.974000000,     0.905428038,    -6.255261899,",
+          "   525.000000000,   115.000000000,   500.000000000,     0.200000000,  2500.000000000,  "
+          "7957.747153556,     1.417998197,     0.310609129,",
+          "     0.000400000,     0.001256637,     0.000400000,     0.001256637,     0.004000000,   "
+          "  0.062831853,     0.000200000,     0.000200000,     0.012566371,     0.012566371,",
+          "     0.016000000,     0.016000000,     1.057829271,     0.705219514,     1.126818137,   "
+          "  0.804870098,     3.000000000,     2.500000000,"));
+  EXPECT_THAT(
+      test::file_lines(stem + ".LP4"),
+      ElementsAre(
+          "     1,     2,     1, -10.0000,  -6.5141,   9.4800,  -6.6405,   0.8379,   0.8467,",
+          "   1.0000,   0.9480,  15.0000,", "   0.2000, 2500.000,   7.9577,",
+          "  10.0000,   1.0000,  10.0000,   0.0052,   0.0653,   0.0251,   0.0160,   0.0160,",
+          "   0.9256,   1.0182,   0.8330,   0.9256,   1.0182,   0.8330,   3.0000,   2.5000, 3,",
+          "     3,     4,     2, -10.0000,  -4.9174,   9.7400,  -5.2071,   0.9153,   0.9054,",
+          "   2.0000,   1.9480,  15.0000,", "   0.2000, 2500.000,   7.9577,",
+          "   5.0000,   1.0000,   5.0000,   0.0052,   0.0653,   0.0251,   0.0160,   0.0160,",
+          "   0.8815,   1.0578,   0.7052,   0.9658,   1.1268,   0.8049,   3.0000,   2.5000, 0,"));
+}
+
+}  // namespace
+}  // namespace lf

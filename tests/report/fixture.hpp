@@ -1,0 +1,101 @@
+// Store set-up, printed-line capture and report file reading for the tests
+// of the reports, the area interchange and the DC lines.
+#pragma once
+
+#include <stdlib.h>
+
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "engine/channels.hpp"
+#include "engine/store.hpp"
+#include "methods/vpq.hpp"
+#include "sparse/ymatrix.hpp"
+#include "udmodel/lfudot.hpp"
+
+namespace lf::test {
+
+inline std::vector<std::string> printed;
+
+inline int capture_line(const char* line) {
+  printed.emplace_back(line);
+  return 0;
+}
+
+// Sends everything that wstring prints into `printed`.
+inline void capture_printing() {
+  printed.clear();
+  mdisplay = 0;
+  socket = 0;
+  prnon = 1;
+  prnfunc = reinterpret_cast<intptr_t>(&capture_line);
+}
+
+// A fresh directory and a case stem in it.
+inline std::string temp_stem() {
+  char dir[] = "/tmp/lfreportXXXXXX";
+  const char* made = mkdtemp(dir);
+  return std::string(made ? made : "/tmp") + "/C";
+}
+
+inline std::vector<std::string> file_lines(const std::string& path) {
+  std::vector<std::string> lines;
+  std::ifstream in(path);
+  for (std::string s; std::getline(in, s);) lines.push_back(s);
+  return lines;
+}
+
+inline bool file_exists(const std::string& path) {
+  return std::ifstream(path).good();
+}
+
+inline void write_file(const std::string& path, const std::string& text) {
+  std::ofstream(path) << text;
+}
+
+// Clears the counts and the arrays that the reports read.
+inline void reset_store() {
+  LFINF = {};
+  LF93 = {};
+  NO = {};
+  NU = {};
+  NNTOON.nbase = NNTOON.nnode = NNTOON.maxno = 0;
+  NNTOON.map.fill(0);
+  L5OLD.ngenold = L5OLD.genmerged = 0;
+  L6PP.nloadold = 0;
+  NEW.fill(0);
+  GLP.IGEN.fill(0);
+  GLP.ILOAD.fill(0);
+  for (Arr<double>* a :
+       {&LFUDOT.UDPINJ, &LFUDOT.UDQINJ, &RXB.R, &RXB.X, &RXB.B, &RXB.T, &VPQ.V, &VPQ.TH, &VPQ.E,
+        &VPQ.F, &VPQ.PG, &VPQ.QG, &VPQ.PL, &VPQ.QL, &VPQ.PDC, &VPQ.QDC, &L5.P, &L6.P})
+    a->fill(0);
+  for (Arr<int32_t>* a :
+       {&IJB.I, &IJB.J, &IJB.No, &IJB.LOSSAREA, &L5.mode_ctrl, &L6.mode_ctrl, &L3P.mode_ctrl})
+    a->fill(0);
+}
+
+// Voltage of internal bus i; the angle in degrees.
+inline void set_voltage(int32_t i, double v, double deg) {
+  const double th = deg * 3.14159265358979323846 / 180;
+  VPQ.V[i] = v;
+  VPQ.TH[i] = th;
+  VPQ.E[i] = v * std::cos(th);
+  VPQ.F[i] = v * std::sin(th);
+}
+
+inline void branch(int32_t k, int32_t i, int32_t j, int32_t no, double r, double x, double b,
+                   double t) {
+  IJB.I[k] = i;
+  IJB.J[k] = j;
+  IJB.No[k] = no;
+  RXB.R[k] = r;
+  RXB.X[k] = x;
+  RXB.B[k] = b;
+  RXB.T[k] = t;
+}
+
+}  // namespace lf::test
