@@ -38,6 +38,20 @@ void grow_branch_room(std::size_t n) {
   room_for(n, IJB.I.size(), grow_branches);
 }
 
+// Reads one record after the other until the file ends or a read fails.
+// read(k, mark) reads a record into slot k; the record counts when its mark
+// is above 0 and then keep(k, mark) completes it.  A dropped record takes no
+// slot: the next one is read into the same place.  Gives the count kept.
+template <typename Read, typename Keep>
+int32_t read_marked(Read read, Keep keep) {
+  int32_t n = 0;
+  for (;;) {
+    int32_t mark = 0;
+    if (!read(n + 1, mark)) return n;
+    if (mark > 0) keep(++n, mark);
+  }
+}
+
 }  // namespace
 
 void rl0(const std::string& path) {
@@ -70,61 +84,54 @@ void rl1(const std::string& path) {
 }
 
 void rl23(const std::string& path) {
-  int32_t n = 0;
   if (LFINF.nacline != 0) {
     FreeReader in;
     open_mandatory(in, path, ".L2", "*.l2 file not found!");
-    for (;;) {
-      const int32_t k = n + 1;
-      grow_branch_room(k);
-      int32_t mark = 0;
-      if (!in(mark, IJB.I[k], IJB.J[k], IJB.No[k], RXB.R[k], RXB.X[k], RXB.B[k], IJB.LOSSAREA[k],
-              L2P.mode_ctrl[k], L2P.par_group[k], L2P.ibs_ctrl[k], L2P.line_ctrl[k],
-              L2P.value_ctrl[k]))
-        break;
-      if (mark <= 0) continue;  // dropped: the next record takes this slot
-      n = k;
-      RXB.T[n] = 1.0;
-      IJOPEN.mark[n] = mark;
-      IJOPEN.I[n] = L2P.I[n] = IJB.I[n];
-      IJOPEN.J[n] = L2P.J[n] = IJB.J[n];
-      IJOPEN.No[n] = L2P.No[n] = IJB.No[n];
-    }
-    LFINF.nacline = n;
+    LFINF.nacline = read_marked(
+        [&](int32_t k, int32_t& mark) {
+          grow_branch_room(k);
+          return in(mark, IJB.I[k], IJB.J[k], IJB.No[k], RXB.R[k], RXB.X[k], RXB.B[k],
+                    IJB.LOSSAREA[k], L2P.mode_ctrl[k], L2P.par_group[k], L2P.ibs_ctrl[k],
+                    L2P.line_ctrl[k], L2P.value_ctrl[k]);
+        },
+        [](int32_t n, int32_t mark) {
+          RXB.T[n] = 1.0;
+          IJOPEN.mark[n] = mark;
+          IJOPEN.I[n] = L2P.I[n] = IJB.I[n];
+          IJOPEN.J[n] = L2P.J[n] = IJB.J[n];
+          IJOPEN.No[n] = L2P.No[n] = IJB.No[n];
+        });
   }
   if (LFINF.ntrans == 0) return;
 
-  // Transformers continue the branch index behind the lines.  Without the
-  // file the count of .L0 stands; the branch rows it claims must still exist.
+  // Transformer t is branch nacline + t.  Without the file the count of .L0
+  // stands; the branch rows it claims must still exist.
+  const int32_t n0 = LFINF.nacline;
   FreeReader in;
   if (!in.open(path + ".L3")) {
-    if (LFINF.ntrans > 0) grow_branch_room(static_cast<std::size_t>(n) + LFINF.ntrans);
+    if (LFINF.ntrans > 0) grow_branch_room(static_cast<std::size_t>(n0) + LFINF.ntrans);
     return;
   }
-  int32_t t = 0;
-  for (;;) {
-    const int32_t k = n + 1, u = t + 1;
-    grow_branch_room(k);
-    int32_t mark = 0;
-    double unused = 0;
-    if (!in(mark, IJB.I[k], IJB.J[k], IJB.No[k], RXB.R[k], RXB.X[k], RXB.T[k], L3PP.Rm[u],
-            L3PP.Xm[u], IJB.LOSSAREA[k], L3P.mode_ctrl[u], L3P.par_group[u], unused,
-            L3P.ibs_ctrl[u], L3P.line_ctrl[u], L3P.value_ctrl[u], L3P.ang_shift[u]))
-      break;
-    if (mark <= 0) continue;
-    n = k;
-    t = u;
-    // The sign of an end marks the tap side in other tools; here only the
-    // bus number counts.
-    IJB.I[n] = std::abs(IJB.I[n]);
-    IJB.J[n] = std::abs(IJB.J[n]);
-    RXB.B[n] = 0.0;
-    IJOPEN.mark[n] = mark;
-    IJOPEN.I[n] = L3P.I[t] = IJB.I[n];
-    IJOPEN.J[n] = L3P.J[t] = IJB.J[n];
-    IJOPEN.No[n] = L3P.No[t] = IJB.No[n];
-  }
-  LFINF.ntrans = t;
+  LFINF.ntrans = read_marked(
+      [&](int32_t t, int32_t& mark) {
+        const int32_t k = n0 + t;
+        grow_branch_room(k);
+        double unused = 0;
+        return in(mark, IJB.I[k], IJB.J[k], IJB.No[k], RXB.R[k], RXB.X[k], RXB.T[k], L3PP.Rm[t],
+                  L3PP.Xm[t], IJB.LOSSAREA[k], L3P.mode_ctrl[t], L3P.par_group[t], unused,
+                  L3P.ibs_ctrl[t], L3P.line_ctrl[t], L3P.value_ctrl[t], L3P.ang_shift[t]);
+      },
+      [&](int32_t t, int32_t mark) {
+        const int32_t n = n0 + t;
+        // Only the bus numbers of the ends count, not their signs.
+        IJB.I[n] = std::abs(IJB.I[n]);
+        IJB.J[n] = std::abs(IJB.J[n]);
+        RXB.B[n] = 0.0;
+        IJOPEN.mark[n] = mark;
+        IJOPEN.I[n] = L3P.I[t] = IJB.I[n];
+        IJOPEN.J[n] = L3P.J[t] = IJB.J[n];
+        IJOPEN.No[n] = L3P.No[t] = IJB.No[n];
+      });
 }
 
 void nrl4(const std::string& path) {
@@ -160,41 +167,33 @@ void nrl4(const std::string& path) {
 void rl5(const std::string& path) {
   FreeReader in;
   open_mandatory(in, path, ".L5", "*.l5 file not found!");
-  int32_t g = 0;
-  for (;;) {
-    const int32_t k = g + 1;
-    room_for(k, L5.P.size(), grow_generators);
-    int32_t mark = 0;
-    if (!in(mark, L5.ibs[k], L5.mode_ctrl[k], L5.P[k], L5.Q[k], L5.V[k], L5.Angle[k], L5P.Qmax[k],
-            L5P.Qmin[k], L5P.Pmax[k], L5P.Pmin[k], L5P.par_group[k], L5P.ibs_ctrl[k],
-            L5P.line_ctrl[k], L5P.value_ctrl[k]))
-      break;
-    if (mark <= 0) continue;
-    g = k;
-    L5.merged[g] = 0;
-    if (LF93.ctrl_ud == 0) fold_mode_ctrl(L5.mode_ctrl[g]);
-  }
-  LFINF.ngenerat = g;
+  LFINF.ngenerat = read_marked(
+      [&](int32_t k, int32_t& mark) {
+        room_for(k, L5.P.size(), grow_generators);
+        return in(mark, L5.ibs[k], L5.mode_ctrl[k], L5.P[k], L5.Q[k], L5.V[k], L5.Angle[k],
+                  L5P.Qmax[k], L5P.Qmin[k], L5P.Pmax[k], L5P.Pmin[k], L5P.par_group[k],
+                  L5P.ibs_ctrl[k], L5P.line_ctrl[k], L5P.value_ctrl[k]);
+      },
+      [](int32_t g, int32_t) {
+        L5.merged[g] = 0;
+        if (LF93.ctrl_ud == 0) fold_mode_ctrl(L5.mode_ctrl[g]);
+      });
 }
 
 void rl6(const std::string& path) {
   LFINF.nload = 0;
   FreeReader in;
   if (in.open(path + ".L6")) {
-    int32_t d = 0;
-    for (;;) {
-      const int32_t k = d + 1;
-      room_for(k, L6.P.size(), grow_loads);
-      int32_t mark = 0;
-      if (!in(mark, L6.ibs[k], L6.No[k], L6.mode_ctrl[k], L6.P[k], L6.Q[k], L6.V[k], L6.Angle[k],
-              L6P.Qmax[k], L6P.Qmin[k], L6P.Pmax[k], L6P.Pmin[k], L6P.par_group[k], L6P.ibs_ctrl[k],
-              L6P.line_ctrl[k], L6P.value_ctrl[k]))
-        break;
-      if (mark <= 0) continue;
-      d = k;
-      if (LF93.ctrl_ud == 0) fold_mode_ctrl(L6.mode_ctrl[d]);
-    }
-    LFINF.nload = d;
+    LFINF.nload = read_marked(
+        [&](int32_t k, int32_t& mark) {
+          room_for(k, L6.P.size(), grow_loads);
+          return in(mark, L6.ibs[k], L6.No[k], L6.mode_ctrl[k], L6.P[k], L6.Q[k], L6.V[k],
+                    L6.Angle[k], L6P.Qmax[k], L6P.Qmin[k], L6P.Pmax[k], L6P.Pmin[k],
+                    L6P.par_group[k], L6P.ibs_ctrl[k], L6P.line_ctrl[k], L6P.value_ctrl[k]);
+        },
+        [](int32_t d, int32_t) {
+          if (LF93.ctrl_ud == 0) fold_mode_ctrl(L6.mode_ctrl[d]);
+        });
   }
   set_loadshare();
 }
@@ -205,20 +204,16 @@ void rl7(const std::string& path) {
     LFINF.narea = 0;
     return;
   }
-  int32_t a = 0;
-  for (;;) {
-    const int32_t k = a + 1;
-    room_for(k, LL7.area_no.size(), [](std::size_t n) {
-      L7.grow(n);
-      LL7.grow(n);
-    });
-    int32_t mark = 0;
-    if (!in(mark, LL7.area_no[k], L7.area_name[k], LL7.unit[k], LL7.p_schedule[k], LL7.tolerance[k],
-            LL7.pmax[k]))
-      break;
-    if (mark > 0) a = k;
-  }
-  LFINF.narea = a;
+  LFINF.narea = read_marked(
+      [&](int32_t k, int32_t& mark) {
+        room_for(k, LL7.area_no.size(), [](std::size_t n) {
+          L7.grow(n);
+          LL7.grow(n);
+        });
+        return in(mark, LL7.area_no[k], L7.area_name[k], LL7.unit[k], LL7.p_schedule[k],
+                  LL7.tolerance[k], LL7.pmax[k]);
+      },
+      [](int32_t, int32_t) {});
 }
 
 void rl10(const std::string& path) {
@@ -227,17 +222,13 @@ void rl10(const std::string& path) {
     LF93.ctrl_fact = 0;
     return;
   }
-  int32_t f = 0;
-  for (;;) {
-    const int32_t k = f + 1;
-    room_for(k, L10.area.size(), [](std::size_t n) { L10.grow(n); });
-    int32_t mark = 0;
-    if (!in(mark, L10.area[k], L10.kv[k], L10.name1[k], L10.name2[k], L10.PG[k], L10.QG[k],
-            L10.PL[k], L10.QL[k]))
-      break;
-    if (mark > 0) f = k;
-  }
-  LF93.ctrl_fact = f;
+  LF93.ctrl_fact = read_marked(
+      [&](int32_t k, int32_t& mark) {
+        room_for(k, L10.area.size(), [](std::size_t n) { L10.grow(n); });
+        return in(mark, L10.area[k], L10.kv[k], L10.name1[k], L10.name2[k], L10.PG[k], L10.QG[k],
+                  L10.PL[k], L10.QL[k]);
+      },
+      [](int32_t, int32_t) {});
 }
 
 void rl13(const std::string& path) {

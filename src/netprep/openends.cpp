@@ -48,6 +48,11 @@ bool same_pair(int32_t a, int32_t b, int32_t c, int32_t d) {
   return (a == c && b == d) || (a == d && b == c);
 }
 
+// The case bus of a node; 0 for a number that is no node.
+int32_t bus_of(int32_t node) {
+  return node >= 1 && node <= NNTOON.nnode ? NNTOON[node] : 0;
+}
+
 }  // namespace
 
 void eijop() {
@@ -59,11 +64,11 @@ void eijop() {
   int32_t rows = LFINF.nacline + LFINF.ntrans;
   for (int32_t r = 1; r <= rows; ++r) {
     int32_t mark = IJOPEN.mark[r];
-    if (mark == 1) continue;
+    if (mark == 1 || IJOPEN.I[r] < 1 || IJOPEN.J[r] < 1) continue;
     int32_t k = 1;
     for (; k <= NO.nbranch; ++k) {
       if (IJB.No[k] == IJOPEN.No[r] &&
-          same_pair(NNTOON[IJB.I[k]], NNTOON[IJB.J[k]], IJOPEN.I[r], IJOPEN.J[r]))
+          same_pair(bus_of(IJB.I[k]), bus_of(IJB.J[k]), IJOPEN.I[r], IJOPEN.J[r]))
         break;
     }
     if (k > NO.nbranch) continue;

@@ -109,12 +109,6 @@ void reallocate2(Arr2<T>& a, long long oldrows, long long oldcols, long long new
   a = std::move(fresh);
 }
 
-// Keeps the first extent and resizes the second.
-template <typename T>
-void reallocate_cols(Arr2<T>& a, long long rows, long long oldcols, long long newcols) {
-  reallocate2(a, rows, oldcols, rows, newcols);
-}
-
 // The size that redim() gives: the present size plus whole steps until n is
 // reached.
 inline long long redim_target(long long present, long long n, int32_t step) {

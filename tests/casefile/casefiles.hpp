@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,11 @@ inline int collect(const char* line) {
   messages().push_back(line);
   std::fprintf(stderr, "%s\n", line);
   return 0;
+}
+
+inline std::string slurp_file(const std::filesystem::path& path) {
+  std::ifstream f(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(f), {});
 }
 
 class CaseFiles : public ::testing::Test {

@@ -23,13 +23,6 @@ using Ybus = std::map<std::pair<int, int>, cplx>;
 
 const std::string kData = std::string(LF_TEST_DATA_DIR) + "/matpower/";
 
-std::string slurp(const std::string& path) {
-  std::ifstream f(path);
-  std::stringstream s;
-  s << f.rdbuf();
-  return s.str();
-}
-
 // The numeric rows of "mpc.NAME = [ ... ];", comments taken out.
 Rows matpower_rows(const std::string& raw, const std::string& name) {
   // A row may go on in the next line behind "...".
@@ -112,7 +105,7 @@ class Mp2lf : public CaseFiles {
     const std::string log = (dir_ / "mp2lf.out").string();
     const int rc =
         std::system((std::string(LF_BINARY_DIR) + "/mp2lf " + args + " >" + log + " 2>&1").c_str());
-    if (out) *out = slurp(log);
+    if (out) *out = test::slurp_file(log);
     return WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
   }
   void convert_and_read(const std::string& m, const std::string& opts = "") {
@@ -133,7 +126,7 @@ TEST_F(Mp2lf, EveryBundledCaseReadsBackWithMatpowersAdmittances) {
     const std::string m = kData + c + ".m";
     convert_and_read(m);
     EXPECT_THAT(messages(), IsEmpty());
-    const std::string text = slurp(m);
+    const std::string text = test::slurp_file(m);
     const Rows bus = matpower_rows(text, "bus");
     EXPECT_EQ(LFINF.nbus, static_cast<int>(bus.size()));
     const Ybus want = matpower_ybus(text), got = engine_ybus();

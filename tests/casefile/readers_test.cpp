@@ -309,6 +309,26 @@ TEST_F(Readers, RecordsGrowPastTheirStartingCapacity) {
   EXPECT_EQ(L5.ibs[n], n);
 }
 
+// Every file of a case cut short or with a bad character anywhere: the
+// reading keeps what it had and nothing breaks.
+TEST_F(Readers, CutAndSpoiltFilesAnywhere) {
+  write_case();
+  for (const char* ext : {".L0", ".L1", ".L2", ".L3", ".L5", ".L6", ".L7", ".L13"}) {
+    const std::string full = test::slurp_file(dir_ / (std::string("CASE") + ext));
+    for (std::size_t at = 0; at < full.size(); at += 5) {
+      write(ext, full.substr(0, at));
+      rdlf(name(), lib());
+      std::string spoilt = full;
+      spoilt[at] = 'x';
+      write(ext, spoilt);
+      rdlf(name(), lib());
+      EXPECT_LE(LFINF.nload, 2);
+      EXPECT_LE(NO.nbranch, 5);
+    }
+    write(ext, full);
+  }
+}
+
 // The bundled examples read without a word; the hand-written one has its
 // switches, its opened line end and its two loads on one bus.
 TEST_F(Readers, BundledExamplesRead) {

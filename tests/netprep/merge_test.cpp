@@ -45,18 +45,6 @@ TEST(Dwgen, MergesUnitsOfABusAndKeepsTheirShares) {
   EXPECT_EQ(L5OLD.mode_ctrl[3], -2);
 }
 
-TEST(Dwgen, NothingMergedKeepsEveryShare) {
-  reset(3);
-  generator(1, 0, 0.0);
-  generator(2, -1, 0.5);
-  dwgen();
-  EXPECT_EQ(LFINF.ngenerat, 2);
-  EXPECT_EQ(L5OLD.genmerged, 0);
-  EXPECT_EQ(L5OLD.share[1], 1.0);
-  EXPECT_EQ(L5OLD.share[2], 1.0);
-  EXPECT_EQ(L5OLD.map[2], 2);
-}
-
 TEST(Dwload, FoldsLoadsOfABusAndKeepsThemAsRead) {
   reset(4);
   LF93.loadshare = 1;

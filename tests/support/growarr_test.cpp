@@ -93,21 +93,6 @@ TEST(Reallocate, TextFillsWithBlanksAndZeroBasedKeepsIndexZero) {
   EXPECT_EQ(z[4], 0);
 }
 
-TEST(Reallocate, TwoDimensionalKeepsElementsInPlace) {
-  Arr2<int32_t> a;
-  reallocate2(a, 0, 0, 2, 3);
-  a(1, 1) = 11;
-  a(2, 3) = 23;
-  reallocate2(a, 2, 3, 4, 2);  // more rows, fewer columns
-  EXPECT_EQ(a(1, 1), 11);
-  EXPECT_EQ(a(4, 2), 0);
-  reallocate_cols(a, 4, 2, 5);
-  EXPECT_EQ(a.rows(), 4u);
-  EXPECT_EQ(a.cols(), 5u);
-  EXPECT_EQ(a(1, 1), 11);
-  EXPECT_EQ(a(1, 5), 0);
-}
-
 TEST(ReallocateDeathTest, FailedAllocationStopsWithItsText) {
   Arr<double> a;
   EXPECT_EXIT(reallocate(a, 0, std::numeric_limits<long long>::max() / 4),
