@@ -1,12 +1,12 @@
 #include "casefile/readers.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "casefile/checks.hpp"
 #include "engine/channels.hpp"
+#include "engine/errlist.hpp"
 #include "support/freeread.hpp"
 #include "support/stop.hpp"
 
@@ -20,12 +20,6 @@ void open_mandatory(FreeReader& in, const std::string& path, const char* ext, co
   if (in.open(path + ext)) return;
   wstring("File " + path + ext + " not found !");
   stop_run(stop);
-}
-
-// A line on the report unit (standard output, list-directed: a blank first).
-void report_line(const std::string& text) {
-  std::printf(" %s\n", text.c_str());
-  std::fflush(stdout);
 }
 
 // Makes row n of a record family valid, growing it by doubling.
@@ -137,7 +131,7 @@ void rl23(const std::string& path) {
 void nrl4(const std::string& path) {
   FreeReader in;
   if (!in.open(path + ".NL4")) {
-    report_line("File " + path + ".L4 not found !");
+    errlist_write("File " + path + ".L4 not found !");
     LFINF.ndcline = 0;
     return;
   }

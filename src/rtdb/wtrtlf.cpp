@@ -199,23 +199,45 @@ void wtrtdc() {
                           cli_for_update, "Wdln: cli_fetch failed with code", 0);
   walk_kept(p, d, [&](int32_t m) {
     if (m > LFINF.ndcline) return;  // a row beyond the lines that were read
-#define LF_FROM(rec, name) d.name = rec.name[m];
-    LF_FROM(DCLFOP, id10)
-    LF_FROM(DCLFOP, id20)
-    LF_FROM(DCLFOP, vaci) LF_FROM(DCLFOP, vacj) LF_FROM(DCLFOP, pd1i) LF_FROM(DCLFOP, qd1i)
-        LF_FROM(DCLFOP, vd10i) LF_FROM(DCLFOP, tk1i) LF_FROM(DCLFOP, a10r_d) LF_FROM(DCLFOP, pd1j)
-            LF_FROM(DCLFOP, qd1j) LF_FROM(DCLFOP, vd10j) LF_FROM(DCLFOP, tk1j) LF_FROM(DCLFOP, pd2i)
-                LF_FROM(DCLFOP, qd2i) LF_FROM(DCLFOP, vd20i) LF_FROM(DCLFOP, tk2i)
-                    LF_FROM(DCLFOP, a20r_d) LF_FROM(DCLFOP, pd2j) LF_FROM(DCLFOP, qd2j)
-                        LF_FROM(DCLFOP, vd20j) LF_FROM(DCLFOP, tk2j) LF_FROM(DCBASE, vbi)
-                            LF_FROM(DCBASE, vbj) LF_FROM(DCBASE, vdb) LF_FROM(DCBASE, idb)
-                                LF_FROM(DCBASE, zdb) LF_FROM(DCBASE, ldb) LF_FROM(DCBASE, tkbi)
-                                    LF_FROM(DCBASE, tkbj) LF_FROM(DCLFPU, xci) LF_FROM(DCLFPU, xcj)
-                                        LF_FROM(DCLFPU, tkimax) LF_FROM(DCLFPU, tkimin)
-                                            LF_FROM(DCLFPU, tkjmax) LF_FROM(DCLFPU, tkjmin)
-#undef LF_FROM
-        // The line's parameters, per unit since the DC set-up.
-        d.rpi = NL4.rpi_ohm[m];
+    // The operating point, the base values and the fixed per-unit values.
+    d.id10 = DCLFOP.id10[m];
+    d.id20 = DCLFOP.id20[m];
+    d.vaci = DCLFOP.vaci[m];
+    d.vacj = DCLFOP.vacj[m];
+    d.pd1i = DCLFOP.pd1i[m];
+    d.qd1i = DCLFOP.qd1i[m];
+    d.vd10i = DCLFOP.vd10i[m];
+    d.tk1i = DCLFOP.tk1i[m];
+    d.a10r_d = DCLFOP.a10r_d[m];
+    d.pd1j = DCLFOP.pd1j[m];
+    d.qd1j = DCLFOP.qd1j[m];
+    d.vd10j = DCLFOP.vd10j[m];
+    d.tk1j = DCLFOP.tk1j[m];
+    d.pd2i = DCLFOP.pd2i[m];
+    d.qd2i = DCLFOP.qd2i[m];
+    d.vd20i = DCLFOP.vd20i[m];
+    d.tk2i = DCLFOP.tk2i[m];
+    d.a20r_d = DCLFOP.a20r_d[m];
+    d.pd2j = DCLFOP.pd2j[m];
+    d.qd2j = DCLFOP.qd2j[m];
+    d.vd20j = DCLFOP.vd20j[m];
+    d.tk2j = DCLFOP.tk2j[m];
+    d.vbi = DCBASE.vbi[m];
+    d.vbj = DCBASE.vbj[m];
+    d.vdb = DCBASE.vdb[m];
+    d.idb = DCBASE.idb[m];
+    d.zdb = DCBASE.zdb[m];
+    d.ldb = DCBASE.ldb[m];
+    d.tkbi = DCBASE.tkbi[m];
+    d.tkbj = DCBASE.tkbj[m];
+    d.xci = DCLFPU.xci[m];
+    d.xcj = DCLFPU.xcj[m];
+    d.tkimax = DCLFPU.tkimax[m];
+    d.tkimin = DCLFPU.tkimin[m];
+    d.tkjmax = DCLFPU.tkjmax[m];
+    d.tkjmin = DCLFPU.tkjmin[m];
+    // The line's parameters, per unit since the DC set-up.
+    d.rpi = NL4.rpi_ohm[m];
     d.lpi = NL4.lpi_mh[m];
     d.rpj = NL4.rpj_ohm[m];
     d.lpj = NL4.lpj_mh[m];

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "casefiles.hpp"
+#include "engine/errlist.hpp"
 
 namespace lf {
 namespace {
@@ -192,11 +193,16 @@ TEST_F(Readers, DcLinesKeepOnlyMarkOne) {
   EXPECT_EQ(NL4.gam20_d[1], 20.0);
 }
 
-TEST_F(Readers, MissingDcFileIsReportedAndTheRunGoesOn) {
+TEST_F(Readers, MissingDcFileGoesOnTheErrorList) {
   write(".L0", "0 0 0 2 0 0 0 0 0 0 0\n100.0 1.1 0.9 1e-6 1 30 0 0 0 0\n");
-  ::testing::internal::CaptureStdout();
+  const auto cwd = std::filesystem::current_path();
+  std::filesystem::current_path(dir_);
+  errlist_open();
   rdlf(name(), lib());
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), " File " + stem() + ".L4 not found !\n");
+  errlist_close();
+  std::filesystem::current_path(cwd);
+  EXPECT_EQ(test::slurp_file(dir_ / "LFERR.LIS"),
+            " ****** Operation Error Information ******\nFile " + stem() + ".L4 not found !\n");
   EXPECT_EQ(LFINF.ndcline, 0);
   EXPECT_THAT(messages(), IsEmpty());
 }

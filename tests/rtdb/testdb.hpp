@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -27,8 +28,8 @@ class TestDb : public ::testing::Test {
   void SetUp() override {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
     path_ = std::filesystem::temp_directory_path() /
-            (std::string("lfrtdb_") + info->test_suite_name() + "_" + info->name() + ".db");
-    std::filesystem::remove(path_);
+            ("lfrtdb_" + std::to_string(getpid()) + "_" + info->test_suite_name() + "_" +
+             info->name() + ".db");
     std::string schema = schema_text();
     ASSERT_FALSE(schema.empty());
     sql("BEGIN;" + schema + "COMMIT;");
@@ -36,6 +37,7 @@ class TestDb : public ::testing::Test {
   void TearDown() override {
     if (session_ > 0) cli_close(session_);
     std::filesystem::remove(path_);
+    std::filesystem::remove(path_.string() + "-journal");
   }
   // Runs SQL on a connection of its own, outside the session.
   void sql(const std::string& text) {

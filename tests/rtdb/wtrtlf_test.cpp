@@ -146,5 +146,56 @@ TEST_F(WriteTest, WritesVoltagesFlowsAndOutputsAndKeepsEverythingElse) {
   EXPECT_EQ(value("SELECT calculate FROM case_lf"), "-1");
 }
 
+TEST_F(WriteTest, SharesTheNodePowersAmongTheUnitsAndLoadsOfABus) {
+  sql("DELETE FROM ld; DELETE FROM un;"
+      "INSERT INTO un (id, ibs) VALUES ('g1', 1), ('g2', 3), ('g3', 1);"
+      "INSERT INTO ld (id, ibs) VALUES ('d1', 2), ('d2', 2), ('d3', 2), ('d4', 1);");
+  LFINF.ngenerat = 3;
+  LFINF.nload = 4;
+  L5OLD.grow(3);
+  L5OLD.share[1] = 0.6;
+  L5OLD.share[3] = 0.4;
+  L5OLD.map[1] = L5OLD.map[3] = 1;
+  L5OLD.P[3] = 0.125;
+  L5OLD.Q[3] = 0.0625;
+  L5.mode_ctrl[1] = 0;  // the merged unit regulates: shares of the node's output
+
+  LF93.loadshare = 1;
+  L6PP.nloadold = 4;
+  const int ibs[] = {2, 2, 2, 1}, type[] = {1, 2, 2, 2};
+  const double p[] = {0.5, 0.3, 0.2, 0.4}, q[] = {0.25, 0.1, 0.1, 0.2};
+  for (int d = 1; d <= 4; ++d) {
+    L6PP.ibs[d] = ibs[d - 1];
+    L6PP.mode_ctrl[d] = type[d - 1];
+    L6PP.P[d] = p[d - 1];
+    L6PP.Q[d] = q[d - 1];
+  }
+  GLP.ILOAD[1] = 1;
+  GLP.ILOAD[2] = 2;
+  L6.mode_ctrl[1] = 2;
+  L6.mode_ctrl[2] = 2;
+  VPQ.PL[1] = 1.1;
+  VPQ.QL[1] = 0.5;
+  VPQ.PL[2] = 0.45;
+  VPQ.QL[2] = 0.25;
+
+  int32_t converged = 1;
+  wtrtlf(converged);
+  EXPECT_EQ(number("SELECT w FROM un WHERE id = 'g1'"), narrowed(0.6 * 1.5));
+  EXPECT_EQ(number("SELECT r FROM un WHERE id = 'g3'"), narrowed(0.4 * 0.25));
+  // Constant-power loads keep their values, the others share the rest.
+  EXPECT_EQ(value("SELECT group_concat(w || '/' || r, ' ') FROM ld"),
+            "0.5/0.25 0.300000011920929/0.125 0.300000011920929/0.125 0.449999988079071/0.25");
+
+  // A fixed merged unit: each unit keeps what it was given.  A voltage-
+  // controlled merged load: the load keeps its P and takes Q in proportion.
+  L5.mode_ctrl[1] = 1;
+  L6.mode_ctrl[1] = -1;
+  wtrtlf(converged);
+  EXPECT_EQ(number("SELECT r FROM un WHERE id = 'g3'"), 0.0625);
+  EXPECT_EQ(number("SELECT w FROM ld WHERE id = 'd3'"), narrowed(0.2));
+  EXPECT_EQ(number("SELECT r FROM ld WHERE id = 'd3'"), narrowed(0.2 * 0.25 / 0.6));
+}
+
 }  // namespace
 }  // namespace lf::test
