@@ -1,5 +1,7 @@
 #include "engine/engine_fixture.hpp"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -29,6 +31,16 @@ void write_two_bus_case(int method) {
   write_file("LF.L2", "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");
   write_file("LF.L5", "1 1 0 0.0 0.0 1.0 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n");
   write_file("LF.L6", "1 2 1 1 0.5 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+}
+
+PortLock::PortLock() {
+  const std::string path = (std::filesystem::temp_directory_path() / "lfengine-link-port.lock");
+  fd_ = ::open(path.c_str(), O_RDWR | O_CREAT, 0666);
+  if (fd_ >= 0) ::flock(fd_, LOCK_EX);
+}
+
+PortLock::~PortLock() {
+  if (fd_ >= 0) ::close(fd_);
 }
 
 void EngineTest::SetUp() {

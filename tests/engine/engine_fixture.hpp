@@ -29,6 +29,19 @@ std::string read_file(const std::filesystem::path& path);
 // solved by the given method.
 void write_two_bus_case(int method);
 
+// Holds the link's loopback port for the life of the object: tests of other
+// builds on this machine that use the port wait instead of colliding.
+class PortLock {
+ public:
+  PortLock();
+  ~PortLock();
+  PortLock(const PortLock&) = delete;
+  PortLock& operator=(const PortLock&) = delete;
+
+ private:
+  int fd_;
+};
+
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override;

@@ -98,6 +98,7 @@ void await_input() {
 using Link = EngineTest;
 
 TEST_F(Link, ServerSeesStartLinesAndEndStatus) {
+  PortLock port;
   Listener server;
   ASSERT_TRUE(server.bound());
   EXPECT_EQ(init(LF_FLAG_LINK | LF_FLAG_PRINT), LF_FLAG_LINK | LF_FLAG_PRINT);
@@ -125,6 +126,7 @@ TEST_F(Link, ServerSeesStartLinesAndEndStatus) {
 }
 
 TEST_F(Link, CalculationWithoutLinkBitIsTheLastOneTheServerHears) {
+  PortLock port;
   Listener server;
   ASSERT_TRUE(server.bound());
   init(LF_FLAG_LINK | LF_FLAG_PRINT);
@@ -145,6 +147,7 @@ TEST_F(Link, CalculationWithoutLinkBitIsTheLastOneTheServerHears) {
 }
 
 TEST_F(Link, ReceivingTakesWhatIsThereAndNeverWaits) {
+  PortLock port;
   Listener server;
   ASSERT_TRUE(server.bound());
   ASSERT_EQ(InitConnection(nullptr), 0);

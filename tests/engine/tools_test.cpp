@@ -75,6 +75,7 @@ TEST_F(Hosts, LfrunNeverChangesTheUsersNameInc) {
 }
 
 TEST_F(Hosts, StatusServerShowsTheFramesOfAnEngine) {
+  PortLock port;
   std::FILE* server = popen((kBin + "/lfstatus --once").c_str(), "r");
   ASSERT_NE(server, nullptr);
   char line[256];
