@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <complex>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <sstream>
@@ -137,6 +138,68 @@ TEST_F(Mp2lf, EveryBundledCaseReadsBackWithMatpowersAdmittances) {
           << at.first << "," << at.second;
     }
     EXPECT_EQ(got.size(), want.size());
+  }
+}
+
+// The columns of a gzip-compressed reference table, rows in file order.
+Rows reference_rows(const std::string& path) {
+  Rows rows;
+  std::FILE* p = ::popen(("gzip -dc " + path).c_str(), "r");
+  if (!p) return rows;
+  std::string text;
+  char buf[4096];
+  for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
+  ::pclose(p);
+  std::istringstream in(text);
+  std::string line;
+  std::getline(in, line);  // the header
+  while (std::getline(in, line)) {
+    std::vector<double> row;
+    std::istringstream fields(line);
+    for (std::string f; std::getline(fields, f, ',');)
+      row.push_back(std::strtod(f.c_str(), nullptr));
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+// With MATPOWER's solved voltages, the converted network carries exactly the
+// converted injections: P and Q at load buses, P at voltage-controlled
+// buses, whose voltage is the generators' set point.
+TEST_F(Mp2lf, ConvertedCasesBalanceAtMatpowersSolution) {
+  for (const char* c :
+       {"case9", "case14", "case30", "case57", "case118", "case300", "case2383wp"}) {
+    SCOPED_TRACE(c);
+    convert_and_read(kData + c + ".m");
+    const std::string variant = std::string(c) == "case2383wp" ? "case2383wp_noshift" : c;
+    const Rows bus = reference_rows(kData + "solutions/" + variant + "/bus.csv.gz");
+    ASSERT_EQ(static_cast<int>(bus.size()), LFINF.nbus);
+    std::vector<cplx> v(bus.size() + 1), s(bus.size() + 1), given(bus.size() + 1);
+    for (std::size_t i = 1; i <= bus.size(); ++i)
+      v[i] = std::polar(bus[i - 1][2], bus[i - 1][3] * std::acos(-1.0) / 180);
+    for (const auto& [at, y] : engine_ybus()) {
+      const auto [i, j] = at;
+      s[i] += y * v[j];
+      if (i != j) s[j] += y * v[i];
+    }
+    std::vector<int> type(bus.size() + 1, 1);
+    for (int g = 1; g <= LFINF.ngenerat; ++g) {
+      const int b = L5.ibs[g];
+      given[b] += cplx(L5.P[g], L5.Q[g]);
+      type[b] = std::min(type[b], L5.mode_ctrl[g]);
+      if (L5.mode_ctrl[g] < 1) {
+        EXPECT_NEAR(std::abs(v[b]), L5.V[g], 1e-9) << "bus " << b;
+      }
+    }
+    for (int d = 1; d <= LFINF.nload; ++d) given[L6.ibs[d]] -= cplx(L6.P[d], L6.Q[d]);
+    for (std::size_t i = 1; i <= bus.size(); ++i) {
+      const cplx flow = v[i] * std::conj(s[i]);
+      if (type[i] == 0) continue;
+      EXPECT_NEAR(flow.real(), given[i].real(), 1e-6) << "bus " << i;
+      if (type[i] == 1) {
+        EXPECT_NEAR(flow.imag(), given[i].imag(), 1e-6) << "bus " << i;
+      }
+    }
   }
 }
 
