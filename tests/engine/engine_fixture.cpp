@@ -1,7 +1,10 @@
 #include "engine/engine_fixture.hpp"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -9,6 +12,7 @@
 #include <sstream>
 
 #include "engine/channels.hpp"
+#include "engine/msglink.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf::test {
@@ -40,6 +44,19 @@ PortLock::PortLock() {
 }
 
 PortLock::~PortLock() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+ClosedPort::ClosedPort() {
+  fd_ = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in a{};
+  a.sin_family = AF_INET;
+  a.sin_port = htons(SERV_PORT);
+  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  held_ = fd_ >= 0 && ::bind(fd_, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0;
+}
+
+ClosedPort::~ClosedPort() {
   if (fd_ >= 0) ::close(fd_);
 }
 

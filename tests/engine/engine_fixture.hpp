@@ -42,6 +42,21 @@ class PortLock {
   int fd_;
 };
 
+// Binds the link's port without listening, so that a connection to it is
+// refused; held() is false when another program has the port.
+class ClosedPort {
+ public:
+  ClosedPort();
+  ~ClosedPort();
+  ClosedPort(const ClosedPort&) = delete;
+  ClosedPort& operator=(const ClosedPort&) = delete;
+  bool held() const { return held_; }
+
+ private:
+  int fd_;
+  bool held_ = false;
+};
+
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override;
