@@ -14,11 +14,13 @@ namespace lf {
 
 namespace {
 
-// A switch record that takes part: valid, with both ends numbered and a
-// group that is a bus of the case.
+// A switch record that takes part: valid, with both ends numbered as nodes
+// (within the store's range of node numbers) and a group that is a bus of
+// the case.
 bool usable(int32_t k) {
-  return L13.valid[k] >= 1 && L13.I[k] >= 1 && L13.J[k] >= 1 && L13.group[k] >= 1 &&
-         L13.group[k] <= LFINF.nbus;
+  const int32_t top = std::max(NNTOON.nnode, static_cast<int32_t>(kCapBus));
+  return L13.valid[k] >= 1 && L13.I[k] >= 1 && L13.J[k] >= 1 && L13.I[k] <= top &&
+         L13.J[k] <= top && L13.group[k] >= 1 && L13.group[k] <= LFINF.nbus;
 }
 
 // Moves branch `line` and load `load` (0: none) from bus `from` to `to`.
@@ -122,10 +124,10 @@ void dwbus() {
           L13.type[r] == 3 ? (L13.sw1[r] + L13.sw2[r] + L13.sw3[r] == 3 ? 1 : 0) : L13.sw1[r];
       maxnode = std::max({maxnode, EI[e], EJ[e]});
     }
+    eqno12(m, maxnode, EI, EJ, ends, start, list);
     mark.assign(static_cast<std::size_t>(maxnode) + 1, 0);
     for (int32_t e = 1; e <= m; ++e) mark[static_cast<std::size_t>(EI[e])] = 1;
     for (int32_t e = 1; e <= m; ++e) mark[static_cast<std::size_t>(EJ[e])] = 1;
-    eqno12(m, maxnode, EI, EJ, ends, start, list);
 
     // Each component in turn, from its lowest node: the first takes the
     // group's bus, every further one the node added behind the previous.

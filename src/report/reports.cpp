@@ -188,6 +188,7 @@ void bracurrent(int32_t k, double& ii, double& ij) {
 }
 
 void dwirii() {
+  LFUDOT.grow(static_cast<std::size_t>(NO.nnode));
   for (int32_t i = 1; i <= NO.nnode; ++i) {
     const double p = LFUDOT.UDPINJ[i], q = LFUDOT.UDQINJ[i];
     if (std::fabs(p) + std::fabs(q) < 1e-7) continue;
@@ -252,6 +253,7 @@ void wlp2(const CaseName& casename) {
 
 void wlp3(const CaseName& casename) {
   ReportFile out(casename.trimmed() + ".LP3");
+  LFUDOT.grow(static_cast<std::size_t>(NO.nnode));
   const BranchIndex index;
   double pij, qij, pji, qji, ci, cj;
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {

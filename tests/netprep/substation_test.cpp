@@ -43,6 +43,16 @@ TEST(Dwbus, ClosedGroupKeepsOneNode) {
   }
 }
 
+TEST(Dwbus, RecordsWithoutNodesOrBusArePassedOver) {
+  reset(3);
+  switch_record(1, 1, 0, 2, 0);
+  switch_record(7, 1, 1, 2, 0);        // group is no bus of the case
+  switch_record(2, 1, 2, 2000000, 0);  // end beyond any node number
+  dwsubij();
+  EXPECT_EQ(NO.nnode, 3);
+  EXPECT_EQ(L13.J[3], 2000000);
+}
+
 TEST(Dwbus, OpenSwitchSplitsAndMovesTheBranchOnItsSide) {
   reset(5);
   branch(1, 4, 7, 0.1);
