@@ -148,10 +148,11 @@ struct BlockSystem {
 
   void build() {
     n = NO.nnode;
-    std::vector<std::vector<int32_t>> lower(static_cast<std::size_t>(n) + 1);
+    // The entries below the diagonal of each row: Y's upper entries by column.
+    std::vector<std::vector<std::pair<int32_t, int32_t>>> lower(static_cast<std::size_t>(n) + 1);
     for (int32_t r = 1; r <= n; ++r)
       for (int32_t p = Y.IY[r] + 1; p < Y.IY[r + 1]; ++p)
-        lower[static_cast<std::size_t>(Y.JY[p])].push_back(p);
+        lower[static_cast<std::size_t>(Y.JY[p])].emplace_back(r, p);
     ia.grow(static_cast<std::size_t>(n) + 1);
     int32_t q = 1;
     auto put = [&](int32_t col, int32_t yp, bool diag) {
@@ -172,11 +173,8 @@ struct BlockSystem {
         aa[q - 1] = ad[q - 1] = 1.0, ab[q - 1] = ac[q - 1] = 0.0;
         continue;
       }
-      for (int32_t yp : lower[static_cast<std::size_t>(i)]) {
-        int32_t r = 1;
-        while (Y.IY[r + 1] <= yp) ++r;
+      for (auto [r, yp] : lower[static_cast<std::size_t>(i)])
         if (r != 1) put(r, yp, false);
-      }
       put(i, Y.IY[i], true);
       for (int32_t p = Y.IY[i] + 1; p < Y.IY[i + 1]; ++p) put(Y.JY[p], p, false);
     }

@@ -13,6 +13,7 @@
 #include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
+#include "methods/pqdecp.hpp"
 #include "netprep/netprep.hpp"
 #include "report/area.hpp"
 #include "report/reports.hpp"
@@ -60,10 +61,10 @@ void run_method(int32_t& convergent) {
       break;
     case 4:  // Newton's method on power equations: newtonp(convergent)
       break;
-    default:  // 0 and every negative value: the P-Q decoupled method, pqdecp(convergent)
+    default:  // 0 and every negative value: the P-Q decoupled method
+      pqdecp(convergent);
       break;
   }
-  (void)convergent;
 }
 
 // The area interchange loop: the method runs again after each adjustment of

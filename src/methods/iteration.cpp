@@ -5,6 +5,7 @@
 #include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
+#include "udmodel/lfudot.hpp"
 
 namespace lf {
 
@@ -130,7 +131,11 @@ double load_q(int32_t row, double v) {
 }
 
 void mismatch_p(int32_t n, const Arr<double>& pc, Arr<double>& dp) {
-  for (int32_t i = 1; i <= n; ++i) dp[i] = VPQ.PDC[i] - pc[i];
+  const bool models = NU.nud != 0 || UPCLF != 0;
+  for (int32_t i = 1; i <= n; ++i) {
+    dp[i] = VPQ.PDC[i] - pc[i];
+    if (models) dp[i] += LFUDOT.UDPINJ[i];
+  }
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     const int32_t i = internal_bus(L5.ibs[g]);
     if (i == 0) continue;
@@ -162,7 +167,11 @@ void mismatch_p(int32_t n, const Arr<double>& pc, Arr<double>& dp) {
 }
 
 void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed) {
-  for (int32_t i = 1; i <= n; ++i) dq[i] = VPQ.QDC[i] - qc[i];
+  const bool models = NU.nud != 0 || UPCLF != 0;
+  for (int32_t i = 1; i <= n; ++i) {
+    dq[i] = VPQ.QDC[i] - qc[i];
+    if (models) dq[i] += LFUDOT.UDQINJ[i];
+  }
   // The equation of a fixed-voltage row.  Without one, rows of types -4 and
   // -6 take the row's voltage, which a user-defined model may have moved.
   auto fixed_row = [&](int32_t i, int32_t type, double v) {

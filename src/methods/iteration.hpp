@@ -47,7 +47,8 @@ void addspace(const BusName& in, BusName& out);
 double load_p(int32_t row, double v);
 double load_q(int32_t row, double v);
 
-// Active half of the mismatch of buses 1..n: dp = PDC - pc plus the given
+// Active half of the mismatch of buses 1..n: dp = PDC - pc (plus the models'
+// injection UDPINJ when there are models or UPCLF is set) plus the given
 // generator P and minus the given load P; slack buses get 0.  Keeps PG and PL.
 void mismatch_p(int32_t n, const Arr<double>& pc, Arr<double>& dp);
 
@@ -57,11 +58,12 @@ enum class FixedV {
   Squared  // (row voltage)^2 - V^2 (Newton methods)
 };
 
-// Reactive half of the mismatch of buses 1..n: dq = QDC - qc plus the given
-// generator Q and minus the given load Q; slack buses get 0, fixed-voltage
-// buses as `fixed` says (in the Cut form rows of types -4 and -6 also reload
-// the bus voltage from the row).  Keeps QG and QL; the computed reactive power of a
-// fixed-voltage bus goes to its generator row unless that row has no output.
+// Reactive half of the mismatch of buses 1..n: dq = QDC - qc (plus UDQINJ
+// likewise) plus the given generator Q and minus the given load Q; slack
+// buses get 0, fixed-voltage buses as `fixed` says (in the Cut form rows of
+// types -4 and -6 also reload the bus voltage from the row).  Keeps QG and QL;
+// the computed reactive power of a fixed-voltage bus goes to its generator
+// row unless that row has no output.
 void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed);
 
 // The right-justified name of internal bus `bus`: the case name of the first

@@ -13,36 +13,32 @@ namespace {
 // Smallest determinant size of a pivot block; smaller ones become +-kTinyDet.
 constexpr double kTinyDet = 1e-20;
 
-// The stores of one factorisation, addressed directly.
-struct Stores {
-  const int32_t *il, *jl, *lnrow, *lnpos, *iu, *ju, *unrow, *unpos;
-  double *la, *lb, *lc, *ld, *ua, *ub, *uc, *ud;
+// One step of the chain of a position: the row of the entry led to, and its
+// position.
+struct Link {
+  int32_t row, pos;
 };
 
-// The output arrays of nonsym74, which grow with the fill-in.
-struct GrowingStores {
-  Arr<int32_t>&il, &jl, &lnrow, &lnpos, &iu, &ju, &unrow, &unpos;
-  Arr<double>&la, &lb, &lc, &ld, &ua, &ub, &uc, &ud;
-
-  std::size_t size() const {
-    return std::min({jl.size(), lnrow.size(), lnpos.size(), ju.size(), unrow.size(), unpos.size(),
-                     la.size(), lb.size(), lc.size(), ld.size(), ua.size(), ub.size(), uc.size(),
-                     ud.size()});
-  }
-  // Makes room for positions 1..q, at least doubling.
+// The factor while it is worked out: values and chains by position, each
+// position in one place.  They go to the caller's parallel arrays at the end.
+// Kept between calls so that a refactorisation allocates nothing.
+struct Scratch {
+  std::vector<BlockEntry> val;
+  std::vector<Link> link;
+  std::vector<int32_t> start;  // refactorisation: first of each column in above
+  std::vector<Link> above;     // refactorisation: the entries of U by column
   void room(std::size_t q) {
-    std::size_t have = size();
-    if (q <= have) return;
-    std::size_t want = std::max(q, 2 * have);
-    for (Arr<int32_t>* a : {&jl, &lnrow, &lnpos, &ju, &unrow, &unpos}) a->grow(want);
-    for (Arr<double>* a : {&la, &lb, &lc, &ld, &ua, &ub, &uc, &ud}) a->grow(want);
-  }
-  Stores view() const {
-    return {il.data(),    jl.data(),    lnrow.data(), lnpos.data(), iu.data(), ju.data(),
-            unrow.data(), unpos.data(), la.data(),    lb.data(),    lc.data(), ld.data(),
-            ua.data(),    ub.data(),    uc.data(),    ud.data()};
+    if (q < val.size()) return;
+    const std::size_t want = std::max(q + 1, 2 * val.size());
+    val.resize(want);
+    link.resize(want);
   }
 };
+
+Scratch& scratch() {
+  static Scratch s;
+  return s;
+}
 
 // The matrix and its chains.
 struct Matrix {
@@ -73,26 +69,35 @@ void load(const Matrix& A, int32_t i, BlockWork& w) {
 }
 
 // Column i of L and row i of U in the work row: the matrix's entries less
-// the products of the earlier columns and rows.  q is the pivot position of
-// i, whose chain is complete.  Each earlier k on the chain holds U[k][i] and
-// L[i][k] at one position p: column i of L gets L[., k] U[k][i] taken off
-// from row i on, row i of U gets L[i][k] U[k, .] taken off right of column i.
+// the products of the earlier columns and rows.  Each earlier k in above[]
+// (ascending) holds U[k][i] and L[i][k] at one position p: column i of L gets
+// L[., k] U[k][i] taken off from row i on, row i of U gets L[i][k] U[k, .]
+// taken off right of column i.
 template <bool Discover>
-void eliminate(const Matrix& A, const Stores& S, int32_t i, int32_t q, BlockWork& w) {
+void eliminate(const Matrix& A, const int32_t* il, const int32_t* jl, const int32_t* ju,
+               const BlockEntry* val, int32_t i, const Link* above, std::size_t nabove,
+               BlockWork& w) {
   load<Discover>(A, i, w);
-  for (int32_t p = q, k = S.unrow[p]; k != 0 && k != i; k = S.unrow[p]) {
-    p = S.unpos[p];
-    const double ualpha[4] = {-S.ua[p], -S.ub[p], -S.uc[p], -S.ud[p]};
-    const double lalpha[4] = {-S.la[p], -S.lb[p], -S.lc[p], -S.ld[p]};
-    const int32_t m = S.il[k + 1] - p;
+  // The positions lie far apart in the store: ask for the next ones early.
+  constexpr std::size_t kAhead = 2;
+  for (std::size_t t = 0; t < std::min(kAhead, nabove); ++t) __builtin_prefetch(val + above[t].pos);
+  for (std::size_t t = 0; t < nabove; ++t) {
+    if (t + kAhead < nabove) {
+      __builtin_prefetch(val + above[t + kAhead].pos);
+      __builtin_prefetch(jl + above[t + kAhead].pos);
+    }
+    const int32_t k = above[t].row, p = above[t].pos;
+    const double* l = val[p].v[0];
+    const double* u = val[p].v[1];
+    const double ualpha[4] = {-u[0], -u[1], -u[2], -u[3]};
+    const double lalpha[4] = {-l[0], -l[1], -l[2], -l[3]};
+    const int32_t m = il[k + 1] - p;
     if (Discover) {
-      m2axpy(0, w, m, S.jl + p, S.la + p, S.lb + p, S.lc + p, S.ld + p, ualpha);
-      m2axpy(1, w, m - 1, S.ju + p + 1, S.ua + p + 1, S.ub + p + 1, S.uc + p + 1, S.ud + p + 1,
-             lalpha);
+      m2axpy(0, w, m, jl + p, val + p, ualpha);
+      m2axpy(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
     } else {
-      m2axpyo(0, w, m, S.jl + p, S.la + p, S.lb + p, S.lc + p, S.ld + p, ualpha);
-      m2axpyo(1, w, m - 1, S.ju + p + 1, S.ua + p + 1, S.ub + p + 1, S.uc + p + 1, S.ud + p + 1,
-              lalpha);
+      m2axpyo(0, w, m, jl + p, val + p, ualpha);
+      m2axpyo(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
     }
   }
 }
@@ -100,34 +105,54 @@ void eliminate(const Matrix& A, const Stores& S, int32_t i, int32_t q, BlockWork
 // Stores the pivot of column i at q and the entries of L and U at the
 // positions q+1 .. q+count whose columns jl already names: L as worked out,
 // U multiplied from the left by the inverse of the pivot block.
-void store(const Stores& S, int32_t i, int32_t q, int32_t count, const BlockWork& w) {
+void store(BlockEntry* val, const int32_t* jl, int32_t i, int32_t q, int32_t count,
+           const BlockWork& w) {
   const double* piv = w.block(0, i);
   const double pa = piv[0], pb = piv[1], pc = piv[2], pd = piv[3];
-  S.la[q] = pa;
-  S.lb[q] = pb;
-  S.lc[q] = pc;
-  S.ld[q] = pd;
-  S.ua[q] = 1.0;
-  S.ub[q] = 0.0;
-  S.uc[q] = 0.0;
-  S.ud[q] = 1.0;
+  double* l = val[q].v[0];
+  double* u = val[q].v[1];
+  l[0] = pa, l[1] = pb, l[2] = pc, l[3] = pd;
+  u[0] = 1.0, u[1] = 0.0, u[2] = 0.0, u[3] = 1.0;
   double det = pd * pa - pc * pb;
   if (std::fabs(det) <= kTinyDet) det = det >= 0.0 ? kTinyDet : -kTinyDet;
   const double ia = pd / det, ib = -pb / det, ic = -pc / det, id = pa / det;
   for (int32_t s = q + 1; s <= q + count; ++s) {
-    const int32_t j = S.jl[s];
-    const double* l = w.block(0, j);
-    S.la[s] = l[0];
-    S.lb[s] = l[1];
-    S.lc[s] = l[2];
-    S.ld[s] = l[3];
-    const double* u = w.block(1, j);
-    const double wa = u[0], wb = u[1], wc = u[2], wd = u[3];
-    S.ua[s] = ia * wa + ib * wc;
-    S.ub[s] = ia * wb + ib * wd;
-    S.uc[s] = ic * wa + id * wc;
-    S.ud[s] = ic * wb + id * wd;
+    const int32_t j = jl[s];
+    const double* wl = w.block(0, j);
+    double* ls = val[s].v[0];
+    ls[0] = wl[0], ls[1] = wl[1], ls[2] = wl[2], ls[3] = wl[3];
+    const double* wu = w.block(1, j);
+    const double wa = wu[0], wb = wu[1], wc = wu[2], wd = wu[3];
+    double* us = val[s].v[1];
+    us[0] = ia * wa + ib * wc;
+    us[1] = ia * wb + ib * wd;
+    us[2] = ic * wa + id * wc;
+    us[3] = ic * wb + id * wd;
   }
+}
+
+// Hands the values of positions 1..used to the caller's arrays.
+void hand_out(const Scratch& f, int32_t used, Arr<double>& la, Arr<double>& lb, Arr<double>& lc,
+              Arr<double>& ld, Arr<double>& ua, Arr<double>& ub, Arr<double>& uc, Arr<double>& ud) {
+  for (Arr<double>* a : {&la, &lb, &lc, &ld, &ua, &ub, &uc, &ud})
+    a->grow(static_cast<std::size_t>(used));
+  double *pla = la.data(), *plb = lb.data(), *plc = lc.data(), *pld = ld.data();
+  double *pua = ua.data(), *pub = ub.data(), *puc = uc.data(), *pud = ud.data();
+  const BlockEntry* val = f.val.data();
+  for (int32_t s = 1; s <= used; ++s) {
+    const double* l = val[s].v[0];
+    const double* u = val[s].v[1];
+    pla[s] = l[0], plb[s] = l[1], plc[s] = l[2], pld[s] = l[3];
+    pua[s] = u[0], pub[s] = u[1], puc[s] = u[2], pud[s] = u[3];
+  }
+}
+
+Matrix matrix_of(const Arr<int32_t>& ia, const Arr<int32_t>& ja, const Arr<int32_t>& chfirst,
+                 const Arr<int32_t>& chfirstrow, const Arr<int32_t>& chrow,
+                 const Arr<int32_t>& chpos, const Arr<int32_t>& upfirst, const Arr<double>& aa,
+                 const Arr<double>& ab, const Arr<double>& ac, const Arr<double>& ad) {
+  return {ia.data(),      ja.data(), chfirst.data(), chfirstrow.data(), chrow.data(), chpos.data(),
+          upfirst.data(), aa.data(), ab.data(),      ac.data(),         ad.data()};
 }
 
 }  // namespace
@@ -188,50 +213,39 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
               Arr<double>& lc, Arr<double>& ld, Arr<int32_t>& iu, Arr<int32_t>& ju,
               Arr<int32_t>& unrow, Arr<int32_t>& unpos, Arr<double>& ua, Arr<double>& ub,
               Arr<double>& uc, Arr<double>& ud) {
-  const Matrix A{ia.data(),    ja.data(),    chfirst.data(), chfirstrow.data(),
-                 chrow.data(), chpos.data(), upfirst.data(), aa.data(),
-                 ab.data(),    ac.data(),    ad.data()};
-  GrowingStores G{il, jl, lnrow, lnpos, iu, ju, unrow, unpos, la, lb, lc, ld, ua, ub, uc, ud};
-  il.grow(static_cast<std::size_t>(std::max(n, 0)) + 1);
-  iu.grow(static_cast<std::size_t>(std::max(n, 0)) + 1);
-  G.room(static_cast<std::size_t>(std::max(capacity, 1)));
+  const Matrix A = matrix_of(ia, ja, chfirst, chfirstrow, chrow, chpos, upfirst, aa, ab, ac, ad);
+  const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
+  il.grow(rows);
+  iu.grow(rows);
+  Scratch& f = scratch();
+  f.room(static_cast<std::size_t>(std::max(capacity, 1)));
+  // The columns of the positions, as found.
+  std::vector<int32_t> col(f.val.size(), 0);
 
   BlockWork w(n);
   // Per column: first and last entry stored so far above the diagonal.
-  std::vector<int32_t> first(static_cast<std::size_t>(std::max(n, 0)) + 1, 0);
-  std::vector<int32_t> firstrow(first.size(), 0), lastpos(first.size(), 0);
+  std::vector<int32_t> first(rows, 0), firstrow(rows, 0), lastpos(rows, 0);
   std::vector<int32_t> cols;
-  // Links position s, of row i and column c, at the end of column c's chain.
-  auto link = [&](int32_t s, int32_t i, int32_t c) {
-    const std::size_t cc = static_cast<std::size_t>(c);
-    lnrow[s] = unrow[s] = 0;
-    lnpos[s] = unpos[s] = 0;
-    if (first[cc] == 0) {
-      first[cc] = s;
-      firstrow[cc] = i;
-    }
-    if (lastpos[cc] != 0) {
-      lnrow[lastpos[cc]] = unrow[lastpos[cc]] = i;
-      lnpos[lastpos[cc]] = unpos[lastpos[cc]] = s;
-    }
-    lastpos[cc] = s;
-  };
+  std::vector<Link> above;
   int32_t q = 1;
+  il[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
-    G.room(static_cast<std::size_t>(q));
-    il[i] = iu[i] = q;
+    f.room(static_cast<std::size_t>(q));
+    il[i] = q;
     // Close column i's chain through its pivot position.
     const std::size_t ci = static_cast<std::size_t>(i);
-    lnrow[q] = unrow[q] = firstrow[ci];
-    lnpos[q] = unpos[q] = first[ci];
-    if (lastpos[ci] != 0) {
-      lnrow[lastpos[ci]] = unrow[lastpos[ci]] = i;
-      lnpos[lastpos[ci]] = unpos[lastpos[ci]] = q;
-    }
+    f.link[static_cast<std::size_t>(q)] = {firstrow[ci], first[ci]};
+    if (lastpos[ci] != 0) f.link[static_cast<std::size_t>(lastpos[ci])] = {i, q};
 
+    // The earlier rows with an entry in column i, along its chain.
+    above.clear();
+    for (Link at = f.link[static_cast<std::size_t>(q)]; at.row != 0 && at.row != i;
+         at = f.link[static_cast<std::size_t>(at.pos)])
+      above.push_back(at);
     w.begin();
     w.enter(0, i);
-    eliminate<true>(A, G.view(), i, q, w);
+    eliminate<true>(A, il.data(), col.data(), col.data(), f.val.data(), i, above.data(),
+                    above.size(), w);
 
     // The positions of row i: the union of both patterns (they agree on a
     // structurally symmetric matrix), ascending, without the pivot.
@@ -246,17 +260,39 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
     }
     std::sort(cols.begin(), cols.end());
     const int32_t count = static_cast<int32_t>(cols.size());
-    G.room(static_cast<std::size_t>(q + count));
+    f.room(static_cast<std::size_t>(q + count));
+    if (col.size() < f.val.size()) col.resize(f.val.size(), 0);
+    col[static_cast<std::size_t>(q)] = i;
     for (int32_t t = 0; t < count; ++t) {
       const int32_t s = q + 1 + t;
-      jl[s] = ju[s] = cols[static_cast<std::size_t>(t)];
-      link(s, i, cols[static_cast<std::size_t>(t)]);
+      const int32_t c = cols[static_cast<std::size_t>(t)];
+      const std::size_t cc = static_cast<std::size_t>(c);
+      col[static_cast<std::size_t>(s)] = c;
+      // Position s joins the end of column c's chain.
+      f.link[static_cast<std::size_t>(s)] = {0, 0};
+      if (first[cc] == 0) {
+        first[cc] = s;
+        firstrow[cc] = i;
+      }
+      if (lastpos[cc] != 0) f.link[static_cast<std::size_t>(lastpos[cc])] = {i, s};
+      lastpos[cc] = s;
     }
-    store(G.view(), i, q, count, w);
+    store(f.val.data(), col.data(), i, q, count, w);
     q += 1 + count;
-    il[i + 1] = iu[i + 1] = q;
+    il[i + 1] = q;
   }
-  if (n < 1) il[1] = iu[1] = 1;
+  for (int32_t i = 1; i <= n + 1; ++i) iu[i] = il[i];
+
+  const int32_t used = q - 1;
+  for (Arr<int32_t>* a : {&jl, &ju, &lnrow, &lnpos, &unrow, &unpos})
+    a->grow(static_cast<std::size_t>(used));
+  for (int32_t s = 1; s <= used; ++s) {
+    const Link& k = f.link[static_cast<std::size_t>(s)];
+    jl[s] = ju[s] = col[static_cast<std::size_t>(s)];
+    lnrow[s] = unrow[s] = k.row;
+    lnpos[s] = unpos[s] = k.pos;
+  }
+  hand_out(f, used, la, lb, lc, ld, ua, ub, uc, ud);
 }
 
 void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int32_t>& chfirst,
@@ -264,31 +300,49 @@ void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int3
                const Arr<int32_t>& chrow, const Arr<int32_t>& chpos, const Arr<int32_t>& ia,
                const Arr<int32_t>& ja, const Arr<double>& aa, const Arr<double>& ab,
                const Arr<double>& ac, const Arr<double>& ad, const Arr<int32_t>& il,
-               const Arr<int32_t>& jl, const Arr<int32_t>& lnrow, const Arr<int32_t>& lnpos,
+               const Arr<int32_t>& jl, const Arr<int32_t>& /*lnrow*/, const Arr<int32_t>& /*lnpos*/,
                Arr<double>& la, Arr<double>& lb, Arr<double>& lc, Arr<double>& ld,
-               const Arr<int32_t>& iu, const Arr<int32_t>& ju, const Arr<int32_t>& unrow,
-               const Arr<int32_t>& unpos, Arr<double>& ua, Arr<double>& ub, Arr<double>& uc,
+               const Arr<int32_t>& /*iu*/, const Arr<int32_t>& ju, const Arr<int32_t>& /*unrow*/,
+               const Arr<int32_t>& /*unpos*/, Arr<double>& ua, Arr<double>& ub, Arr<double>& uc,
                Arr<double>& ud) {
-  const Matrix A{ia.data(),    ja.data(),    chfirst.data(), chfirstrow.data(),
-                 chrow.data(), chpos.data(), upfirst.data(), aa.data(),
-                 ab.data(),    ac.data(),    ad.data()};
-  // The integer stores are only read here.
-  const Stores S{il.data(),    jl.data(),    lnrow.data(), lnpos.data(), iu.data(), ju.data(),
-                 unrow.data(), unpos.data(), la.data(),    lb.data(),    lc.data(), ld.data(),
-                 ua.data(),    ub.data(),    uc.data(),    ud.data()};
+  const Matrix A = matrix_of(ia, ja, chfirst, chfirstrow, chrow, chpos, upfirst, aa, ab, ac, ad);
+  if (n < 1) return;
+  const int32_t used = il[n + 1] - 1;
+  Scratch& f = scratch();
+  f.room(static_cast<std::size_t>(used));
+  // The entries of U by column, with their rows, ascending: the column
+  // chains of U (and row chains of L) in the order they run, laid out flat so
+  // that the positions can be fetched ahead instead of one hop at a time.
+  std::vector<int32_t>& start = f.start;
+  std::vector<Link>& above = f.above;
+  start.assign(static_cast<std::size_t>(n) + 2, 0);
+  above.resize(static_cast<std::size_t>(used));
+  for (int32_t k = 1; k <= n; ++k)
+    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
+  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
+  for (int32_t k = 1; k <= n; ++k)
+    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s)
+      above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
+  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
+  start[0] = 0;
+
   BlockWork w(n);
   for (int32_t i = 1; i <= n; ++i) {
-    const int32_t q = S.il[i];
-    const int32_t count = S.il[i + 1] - q - 1;
+    const int32_t q = il[i];
+    const int32_t count = il[i + 1] - q - 1;
     w.begin();
     w.enter(0, i);
     for (int32_t s = q + 1; s <= q + count; ++s) {
-      w.enter(0, S.jl[s]);
-      w.enter(1, S.ju[s]);
+      w.enter(0, jl[s]);
+      w.enter(1, ju[s]);
     }
-    eliminate<false>(A, S, i, q, w);
-    store(S, i, q, count, w);
+    const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
+    const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);
+    eliminate<false>(A, il.data(), jl.data(), ju.data(), f.val.data(), i, above.data() + from,
+                     to - from, w);
+    store(f.val.data(), jl.data(), i, q, count, w);
   }
+  hand_out(f, used, la, lb, lc, ld, ua, ub, uc, ud);
 }
 
 void nonsym(int32_t n, int32_t nent, int32_t capacity, const Arr<int32_t>& ia,

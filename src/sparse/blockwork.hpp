@@ -12,6 +12,12 @@
 
 namespace lf {
 
+// The L and U blocks that share one position of the factor stores, side by
+// side in one cache line while the factorisation runs.
+struct alignas(64) BlockEntry {
+  double v[2][4];  // [0] the L block, [1] the U block, each a, b, c, d
+};
+
 struct BlockWork {
   // Side 0 is the column of L, side 1 the row of U.
   struct alignas(64) Cell {
@@ -55,14 +61,59 @@ struct BlockWork {
   }
 };
 
+// One side of the work row gets x alpha or alpha x added over the entries.
+// With Add, an index that the side lacks is entered first (fill-in).  On a
+// pattern found before every index is there already, since the pattern of
+// column i holds the fill of each earlier column that meets it, so nothing
+// is looked up.
+template <bool Add, int Side>
+inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const BlockEntry* x,
+                         const double alpha[4]) {
+  const double aa = alpha[0], ab = alpha[1], ac = alpha[2], ad = alpha[3];
+  BlockWork::Cell* cell = w.cell.data();
+  for (int32_t t = 0; t < m; ++t) {
+    const int32_t j = xj[t];
+    if constexpr (Add) {
+      if (!w.has(Side, j)) w.enter(Side, j);
+    }
+    double* v = cell[j].v[Side];
+    const double* xv = x[t].v[Side];
+    const double pa = xv[0], pb = xv[1], pc = xv[2], pd = xv[3];
+    if constexpr (Side == 0) {
+      v[0] += pa * aa + pb * ac;
+      v[1] += pa * ab + pb * ad;
+      v[2] += pc * aa + pd * ac;
+      v[3] += pc * ab + pd * ad;
+    } else {
+      v[0] += aa * pa + ab * pc;
+      v[1] += aa * pb + ab * pd;
+      v[2] += ac * pa + ad * pc;
+      v[3] += ac * pb + ad * pd;
+    }
+  }
+}
+
 // Block row update of one side of the work row over the m entries xj[0..m-1]
-// with blocks xa..xd; alpha is {a, b, c, d}.  Side 0 adds x alpha (a column
-// of L), side 1 adds alpha x (a row of U).  m2axpy enters the indices that the
-// side lacks (fill-in); m2axpyo adds nothing and expects the pattern that
-// m2axpy found on the same structure.
-void m2axpy(int side, BlockWork& w, int32_t m, const int32_t* xj, const double* xa,
-            const double* xb, const double* xc, const double* xd, const double alpha[4]);
-void m2axpyo(int side, BlockWork& w, int32_t m, const int32_t* xj, const double* xa,
-             const double* xb, const double* xc, const double* xd, const double alpha[4]);
+// with the blocks of the same side of x[0..m-1]; alpha is {a, b, c, d}.
+// Side 0 adds x alpha (a column of L), side 1 adds alpha x (a row of U).  m2axpy enters the indices
+// that the side lacks (fill-in); m2axpyo adds nothing and expects the pattern that m2axpy found on
+// the same structure.
+inline void m2axpy(int side, BlockWork& w, int32_t m, const int32_t* xj, const BlockEntry* x,
+                   const double alpha[4]) {
+  if (side == 0) {
+    block_update<true, 0>(w, m, xj, x, alpha);
+  } else {
+    block_update<true, 1>(w, m, xj, x, alpha);
+  }
+}
+
+inline void m2axpyo(int side, BlockWork& w, int32_t m, const int32_t* xj, const BlockEntry* x,
+                    const double alpha[4]) {
+  if (side == 0) {
+    block_update<false, 0>(w, m, xj, x, alpha);
+  } else {
+    block_update<false, 1>(w, m, xj, x, alpha);
+  }
+}
 
 }  // namespace lf
