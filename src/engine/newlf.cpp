@@ -17,6 +17,7 @@
 #include "netprep/netprep.hpp"
 #include "report/area.hpp"
 #include "report/reports.hpp"
+#include "rtdb/rtdb.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
@@ -126,10 +127,9 @@ void newlf(int32_t& convergent) {
   errlist_open();
   read_names();
 
-  // The case: rdrtlf() from the database, rdlf(casename, datalibname) from
-  // the case files.
+  // The case, from the database or from the case files.
   if (RTDBLSCMN.rtdbmode != 0) {
-    // rdrtlf()
+    rdrtlf();
   } else {
     rdlf(casename, datalibname);
   }
@@ -152,10 +152,9 @@ void newlf(int32_t& convergent) {
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
 
-  // The results, converged or not: wtrtlf(convergent) to the database,
-  // wtlf(convergent, casename) to the report files.
+  // The results, converged or not, to the database or to the report files.
   if (RTDBLSCMN.rtdbmode != 0) {
-    // wtrtlf(convergent)
+    wtrtlf(convergent);
   } else {
     wtlf(convergent, casename);
   }

@@ -29,6 +29,34 @@ std::string read_file(const std::filesystem::path& path);
 // solved by the given method.
 void write_two_bus_case(int method);
 
+// Holds the link's loopback port for the life of the object: tests of other
+// builds on this machine that use the port wait instead of colliding.
+class PortLock {
+ public:
+  PortLock();
+  ~PortLock();
+  PortLock(const PortLock&) = delete;
+  PortLock& operator=(const PortLock&) = delete;
+
+ private:
+  int fd_;
+};
+
+// Binds the link's port without listening, so that a connection to it is
+// refused; held() is false when another program has the port.
+class ClosedPort {
+ public:
+  ClosedPort();
+  ~ClosedPort();
+  ClosedPort(const ClosedPort&) = delete;
+  ClosedPort& operator=(const ClosedPort&) = delete;
+  bool held() const { return held_; }
+
+ private:
+  int fd_;
+  bool held_ = false;
+};
+
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override;

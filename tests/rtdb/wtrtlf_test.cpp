@@ -1,5 +1,5 @@
+#include <cctype>
 #include <cmath>
-#include <regex>
 
 #include "engine/store.hpp"
 #include "methods/vpq.hpp"
@@ -86,6 +86,16 @@ class WriteTest : public TestDb {
     RXB.T[k] = t;
   }
   static double narrowed(double x) { return static_cast<float>(x); }
+  // Whether text has a digit wherever shape has a 9 and shape's other
+  // characters elsewhere.
+  static bool shaped(const std::string& text, const std::string& shape) {
+    if (text.size() != shape.size()) return false;
+    for (std::size_t i = 0; i < text.size(); ++i)
+      if (shape[i] == '9' ? !std::isdigit(static_cast<unsigned char>(text[i]))
+                          : text[i] != shape[i])
+        return false;
+    return true;
+  }
 };
 
 TEST_F(WriteTest, WritesVoltagesFlowsAndOutputsAndKeepsEverythingElse) {
@@ -136,10 +146,8 @@ TEST_F(WriteTest, WritesVoltagesFlowsAndOutputsAndKeepsEverythingElse) {
   EXPECT_EQ(value("SELECT calculate || ' ' || nbus || ' ' || nacline || ' ' || case_no || ' ' || "
                   "scheme FROM case_lf"),
             "1 3 2 5 base");
-  EXPECT_TRUE(std::regex_match(value("SELECT cal_date FROM case_lf"),
-                               std::regex("20[0-9][0-9]/[01][0-9]/[0-3][0-9]")));
-  EXPECT_TRUE(std::regex_match(value("SELECT cal_time FROM case_lf"),
-                               std::regex("[0-2][0-9]:[0-5][0-9]:[0-5][0-9]")));
+  EXPECT_TRUE(shaped(value("SELECT cal_date FROM case_lf"), "9999/99/99"));
+  EXPECT_TRUE(shaped(value("SELECT cal_time FROM case_lf"), "99:99:99"));
 
   converged = 0;
   wtrtlf(converged);

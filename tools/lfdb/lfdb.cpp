@@ -18,6 +18,7 @@
 #include <tuple>
 
 #include "casefile/readers.hpp"
+#include "engine/channels.hpp"
 #include "engine/store.hpp"
 #include "rtdb/rtdbls.hpp"
 #include "rtdb/rtlfcase.hpp"
@@ -312,6 +313,13 @@ bool create_schema(const fs::path& file) {
   return ok;
 }
 
+// The case reader's messages (a missing file, a bad record) go to standard
+// error.
+int say(const char* line) {
+  std::fprintf(stderr, "lfdb: %s\n", line);
+  return 0;
+}
+
 int import(const std::string& stem, const fs::path& file, std::string dat) {
   if (fs::exists(file))
     return usage(("will not replace the existing file " + file.string()).c_str());
@@ -319,6 +327,8 @@ int import(const std::string& stem, const fs::path& file, std::string dat) {
   if (dat.empty()) dat = (fs::path(stem).parent_path() / "DATALIB").string();
   if (dat.size() > CaseName::size()) return usage("the library stem is longer than 60 characters");
 
+  prnon = 1;
+  prnfunc = reinterpret_cast<intptr_t>(&say);
   rdlf(CaseName(stem), CaseName(dat));
   if (LFINF.narea > 0 || LF93.nswitch > 0)
     std::fprintf(stderr, "lfdb: note: area schedules and switch records stay in the case files\n");

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <string>
 
+#include "dbsession.hpp"
 #include "lfengine.h"
 
 namespace {
@@ -50,8 +51,10 @@ void usage(std::FILE* out) {
       "  --mode N      N = 2 includes the magnetising branches of transformers;\n"
       "                any other value leaves them out (default 0)\n"
       "  --repeat N    runs N calculations one after another (default 1)\n"
-      "  --db FILE     reads and writes the case in a database file instead of\n"
-      "                case files\n"
+      "  --db FILE     database mode: reads the case from the tables of the database\n"
+      "                file FILE (made by lfdb import) and writes the results back\n"
+      "                into it; no case or report files are used, CASE_STEM still\n"
+      "                names the folder of the run\n"
       "  --name-inc    replaces a NAME.INC that names another case (see above)\n"
       "  --help        shows this text\n"
       "\n"
@@ -139,7 +142,8 @@ int parse(int argc, char** argv, Options& o) {
       if (!value(o.repeat) || o.repeat < 1) return bad_usage("--repeat needs a count of 1 or more");
     } else if (a == "--db") {
       if (i + 1 >= argc) return bad_usage("--db needs a database file");
-      o.db = argv[++i];
+      o.db = fs::absolute(argv[++i]).string();
+      if (!fs::exists(o.db)) return bad_usage("no database file " + o.db);
     } else if (a.size() > 1 && a[0] == '-') {
       return bad_usage("unknown option " + a);
     } else if (o.stem.empty()) {
@@ -147,10 +151,6 @@ int parse(int argc, char** argv, Options& o) {
     } else {
       return bad_usage("only one case stem, please");
     }
-  }
-  if (!o.db.empty()) {
-    std::fputs("lfrun: the database mode (--db) is not yet available\n", stderr);
-    return kExitUsage;
   }
   if (o.stem.empty()) return bad_usage("no case stem given");
   return -1;
@@ -197,6 +197,7 @@ int main(int argc, char** argv) {
   std::snprintf(title, sizeof title, "Load Flow: %s", fs::path(o.stem).filename().c_str());
   int flags = o.flags;
   int session = 0;
+  if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitUsage;
   intptr_t callback = reinterpret_cast<intptr_t>(&print_line);
   int mode = o.mode;
   flags = LFInit(&flags, title, &session, &callback, &mode);
@@ -207,7 +208,9 @@ int main(int argc, char** argv) {
   }
   LFFinilize();
   std::fflush(stdout);
-  std::fprintf(stderr, "lfrun: %s; reports in %s\n", all_converged ? "converged" : "not converged",
-               fs::current_path().c_str());
+  if (session > 0) close_database(session, o.db);
+  std::fprintf(stderr, "lfrun: %s; %s in %s\n", all_converged ? "converged" : "not converged",
+               session > 0 ? "results" : "reports",
+               session > 0 ? o.db.c_str() : fs::current_path().c_str());
   return all_converged ? kExitConverged : kExitNotConverged;
 }

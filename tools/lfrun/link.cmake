@@ -1,3 +1,4 @@
 # lfrun is a host like any other: it loads the engine through the shared
-# library and uses nothing but its four exported functions.
-target_link_libraries(lfrun PRIVATE lfengine)
+# library and uses nothing but its four exported functions, and in database
+# mode the client library to open the session it hands to the engine.
+target_link_libraries(lfrun PRIVATE lfengine lfcli)
