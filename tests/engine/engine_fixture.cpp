@@ -1,5 +1,10 @@
 #include "engine/engine_fixture.hpp"
 
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/file.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -7,6 +12,7 @@
 #include <sstream>
 
 #include "engine/channels.hpp"
+#include "engine/msglink.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf::test {
@@ -22,13 +28,37 @@ std::string read_file(const std::filesystem::path& path) {
   return s.str();
 }
 
-void write_two_bus_case(int method) {
+void write_two_bus_case(int method, int iterations, int ctrl_area) {
   write_file("LF.L0", "2 1 0 0 1 1 0 0 0 0 0\n100.0 1.1 0.9 0.0001 " + std::to_string(method) +
-                          " 20 0 0 0 0\n");
+                          " " + std::to_string(iterations) + " " + std::to_string(ctrl_area) +
+                          " 0 0 0\n");
   write_file("LF.L1", "'BUS1' 110.0 1 121.0 99.0\n'BUS2' 110.0 1 121.0 99.0\n");
   write_file("LF.L2", "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");
   write_file("LF.L5", "1 1 0 0.0 0.0 1.0 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n");
   write_file("LF.L6", "1 2 1 1 0.5 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+}
+
+PortLock::PortLock() {
+  const std::string path = (std::filesystem::temp_directory_path() / "lfengine-link-port.lock");
+  fd_ = ::open(path.c_str(), O_RDWR | O_CREAT, 0666);
+  if (fd_ >= 0) ::flock(fd_, LOCK_EX);
+}
+
+PortLock::~PortLock() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+ClosedPort::ClosedPort() {
+  fd_ = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in a{};
+  a.sin_family = AF_INET;
+  a.sin_port = htons(SERV_PORT);
+  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  held_ = fd_ >= 0 && ::bind(fd_, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0;
+}
+
+ClosedPort::~ClosedPort() {
+  if (fd_ >= 0) ::close(fd_);
 }
 
 void EngineTest::SetUp() {

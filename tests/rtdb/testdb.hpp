@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -27,9 +28,10 @@ class TestDb : public ::testing::Test {
  protected:
   void SetUp() override {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    path_ = std::filesystem::temp_directory_path() /
-            ("lfrtdb_" + std::to_string(getpid()) + "_" + info->test_suite_name() + "_" +
-             info->name() + ".db");
+    std::string name = "lfrtdb_" + std::to_string(getpid()) + "_" + info->test_suite_name() + "_" +
+                       info->name() + ".db";
+    std::replace(name.begin(), name.end(), '/', '_');
+    path_ = std::filesystem::temp_directory_path() / name;
     std::string schema = schema_text();
     ASSERT_FALSE(schema.empty());
     sql("BEGIN;" + schema + "COMMIT;");

@@ -263,7 +263,12 @@ MpCase parse_case(const std::string& text) {
 
   std::set<double> numbers;
   for (const auto& b : c.bus) {
-    if (!whole(b[0]) || b[0] < 1) throw ParseError("a bus number must be a positive integer");
+    if (!whole(b[0]) || b[0] < 1 || b[0] > 2147483647)
+      throw ParseError("a bus number must be a positive integer");
+    if (!whole(b[6]) || std::fabs(b[6]) > 2147483647)
+      throw ParseError("bus " + number_text(b[0]) + " has an area that is not an integer");
+    if (b[1] != 1 && b[1] != 2 && b[1] != 3 && b[1] != 4)
+      throw ParseError("bus " + number_text(b[0]) + " has a type other than 1 to 4");
     if (!numbers.insert(b[0]).second)
       throw ParseError("bus " + number_text(b[0]) + " appears twice");
     for (int k = 1; k < 13; ++k)
