@@ -189,16 +189,21 @@ void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32
 
     for (std::size_t t = 0; t < nbrs.size(); ++t) {
       int32_t a = nbrs[t];
-      // Unlink best from a's list.
-      int32_t found = 0, pos = 0, prev = 0;
-      srhlink(best, a, lk.head, lk.node, lk.next, found, pos, prev);
-      if (found != 0) lk.unlink(a, pos, prev);
+      // One walk of a's list finds best's cell, to unlink it, and marks the
+      // others: the lists are symmetric, so a mark on b answers whether a
+      // stands in b's list.
+      ++stamp;
+      int32_t pos = 0, prev = 0;
+      for (int32_t c = lk.head[a], before = 0; c != 0; before = c, c = lk.next[c]) {
+        if (lk.node[c] == best && pos == 0) {
+          pos = c;
+          prev = before;
+        }
+        mark[lk.node[c]] = stamp;
+      }
+      if (pos != 0) lk.unlink(a, pos, prev);
       --deg[a];
       level[a] = std::max(level[a], level[best] + 1);
-      // Which of the later neighbours already stand in a's list: the lists
-      // are symmetric, so this answers whether a stands in b's list.
-      ++stamp;
-      for (int32_t c = lk.head[a]; c != 0; c = lk.next[c]) mark[lk.node[c]] = stamp;
       for (std::size_t u = t + 1; u < nbrs.size(); ++u) {
         int32_t b = nbrs[u];
         if (mark[b] == stamp) continue;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -34,7 +35,7 @@ TEST_F(Driver, CaseNamesComeFromNameIncOrTheDefaults) {
 TEST_F(Driver, CalculationMakesTheErrorListAnewAndEndsWithTimeAndClosingLines) {
   write_file("LFERR.LIS", " ****** Operation Error Information ******\nold trouble\n");
   init(LF_FLAG_PRINT);
-  cal(LF_FLAG_PRINT);
+  EXPECT_EQ(cal(LF_FLAG_PRINT), 0);  // converged
   EXPECT_EQ(read_file("LFERR.LIS"), " ****** Operation Error Information ******\n");
   for (const std::string& line : printed) EXPECT_EQ(line.find("old trouble"), std::string::npos);
   ASSERT_GE(printed.size(), 2u);
@@ -42,12 +43,26 @@ TEST_F(Driver, CalculationMakesTheErrorListAnewAndEndsWithTimeAndClosingLines) {
   EXPECT_EQ(printed.back(), "End of Program.  Please Close the Window....");
 }
 
-TEST_F(Driver, MethodAboveFourIsStoredBackAsZero) {
+TEST_F(Driver, MethodAboveFourIsStoredBackAsZeroAndNegativeOnesStay) {
+  init(0);
   write_two_bus_case(7);
-  LFINF.method = 7;
-  int32_t convergent = -1;
-  newlf(convergent);
+  EXPECT_EQ(cal(0), 0);
   EXPECT_EQ(LFINF.method, 0);
+  write_two_bus_case(-1);
+  EXPECT_EQ(cal(0), 0);
+  EXPECT_EQ(LFINF.method, -1);
+  write_two_bus_case(0, 1);
+  EXPECT_EQ(cal(0), 1);  // not converged within one iteration
+}
+
+TEST_F(Driver, AreasAreNotReadjustedAfterARunThatDidNotConverge) {
+  write_two_bus_case(0, 1, 1);
+  init(LF_FLAG_PRINT);
+  EXPECT_EQ(cal(LF_FLAG_PRINT), 1);
+  auto at = std::find(printed.begin(), printed.end(), "Load Flow Calculation Is Not Convergent");
+  ASSERT_NE(at, printed.end());
+  ASSERT_NE(at + 1, printed.end());
+  EXPECT_EQ(at[1], "Area Interchange Will Not Be Readjusted");
 }
 
 TEST_F(Driver, ErrorListIsPrintedFramedAndOnlyWhenItHoldsLines) {

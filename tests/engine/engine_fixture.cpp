@@ -28,9 +28,10 @@ std::string read_file(const std::filesystem::path& path) {
   return s.str();
 }
 
-void write_two_bus_case(int method) {
+void write_two_bus_case(int method, int iterations, int ctrl_area) {
   write_file("LF.L0", "2 1 0 0 1 1 0 0 0 0 0\n100.0 1.1 0.9 0.0001 " + std::to_string(method) +
-                          " 20 0 0 0 0\n");
+                          " " + std::to_string(iterations) + " " + std::to_string(ctrl_area) +
+                          " 0 0 0\n");
   write_file("LF.L1", "'BUS1' 110.0 1 121.0 99.0\n'BUS2' 110.0 1 121.0 99.0\n");
   write_file("LF.L2", "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");
   write_file("LF.L5", "1 1 0 0.0 0.0 1.0 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n");

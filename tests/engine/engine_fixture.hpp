@@ -26,8 +26,9 @@ void write_file(const std::filesystem::path& path, const std::string& text);
 std::string read_file(const std::filesystem::path& path);
 
 // Writes the case LF.*: two buses, one line, a slack generator and a load,
-// solved by the given method.
-void write_two_bus_case(int method);
+// solved by the given method within the given number of iterations, with
+// or without area interchange control.
+void write_two_bus_case(int method, int iterations = 20, int ctrl_area = 0);
 
 // Holds the link's loopback port for the life of the object: tests of other
 // builds on this machine that use the port wait instead of colliding.
