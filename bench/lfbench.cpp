@@ -1,6 +1,6 @@
 // Times whole load-flow calculations stage by stage.
 //
-//   lfbench [--repeat N] [--timing FILE] [--variant NAME] DIR...
+//   lfbench [--repeat N] [--timing FILE] [--variant NAME] [--lfrun PATH] DIR...
 //
 // Each DIR holds one converted case, named as the folder; the case's own
 // method is the one timed.  The calculation runs N times through its stages in the
@@ -8,13 +8,17 @@
 // reports), each stage timed on its own, and once more N times as one whole
 // LFCal.  The table gives the median of each, the iterations (rows of the
 // method's tables) and, with --timing, the ratio of the reference time of the
-// same case and variant to the whole calculation.
+// same case and variant to the whole calculation.  With --lfrun the host
+// program also runs N times on each case as a process of its own, and the
+// median of its processor time, start-up included, is given.
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <ctime>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -49,7 +53,9 @@ struct Clock {
   }
 };
 
-double seconds_since(Clock::time_point t0) { return Clock::now() - t0; }
+double seconds_since(Clock::time_point t0) {
+  return Clock::now() - t0;
+}
 
 double median(std::vector<double> v) {
   std::sort(v.begin(), v.end());
@@ -63,7 +69,8 @@ const char* const kStageNames[kStages] = {"read", "prep", "order", "admit", "ite
 // Counts the rows of the iteration table: lines that begin with the row number.
 int rows = 0;
 int count_rows(const char* line) {
-  if (std::strncmp(line, "    ", 4) == 0 && std::strlen(line) > 7 && line[6] >= '0' && line[6] <= '9')
+  if (std::strncmp(line, "    ", 4) == 0 && std::strlen(line) > 7 && line[6] >= '0' &&
+      line[6] <= '9')
     ++rows;
   return 0;
 }
@@ -123,6 +130,23 @@ void staged(double t[kStages], int32_t& convergent) {
   t[5] = seconds_since(t0);
 }
 
+// Runs the host program on the case LF in the current folder and gives the
+// processor time of the process, user and system, in seconds.
+double process_time(const std::string& lfrun) {
+  std::fflush(stdout);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    if (!freopen("/dev/null", "w", stdout) || !freopen("/dev/null", "w", stderr)) _exit(127);
+    execl(lfrun.c_str(), lfrun.c_str(), "LF", static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  int status = 0;
+  rusage use{};
+  if (pid < 0 || wait4(pid, &status, 0, &use) < 0) return 0;
+  auto sec = [](const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * t.tv_usec; };
+  return sec(use.ru_utime) + sec(use.ru_stime);
+}
+
 // The reference times: case,variant -> runpf_legacy_median_s.
 std::map<std::string, double> read_timing(const std::string& file) {
   std::map<std::string, double> ref;
@@ -140,7 +164,8 @@ std::map<std::string, double> read_timing(const std::string& file) {
 
 int usage() {
   std::fprintf(stderr,
-               "usage: lfbench [--repeat N] [--timing FILE] [--variant NAME] DIR...\n");
+               "usage: lfbench [--repeat N] [--timing FILE] [--variant NAME] [--lfrun PATH] "
+               "DIR...\n");
   return 2;
 }
 
@@ -148,7 +173,7 @@ int usage() {
 
 int main(int argc, char** argv) {
   int repeat = 5;
-  std::string timing, variant = "base";
+  std::string timing, variant = "base", lfrun;
   std::vector<std::string> dirs;
   for (int a = 1; a < argc; ++a) {
     const std::string arg = argv[a];
@@ -156,6 +181,9 @@ int main(int argc, char** argv) {
       repeat = std::max(1, std::atoi(argv[++a]));
     } else if (arg == "--timing" && a + 1 < argc) {
       timing = argv[++a];
+    } else if (arg == "--lfrun" && a + 1 < argc) {
+      char path[4096];
+      lfrun = realpath(argv[++a], path) ? path : argv[a];
     } else if (arg == "--variant" && a + 1 < argc) {
       variant = argv[++a];
     } else if (arg == "--help" || arg == "-h") {
@@ -181,10 +209,10 @@ int main(int argc, char** argv) {
   if (!getcwd(home, sizeof home)) return 1;
   std::printf("%-12s %-8s %2s %5s %3s", "case", "variant", "m", "iter", "ok");
   for (const char* s : kStageNames) std::printf(" %8s", s);
-  std::printf(" %9s %9s %9s %7s\n", "staged", "LFCal", "reference", "ratio");
+  std::printf(" %9s %9s %9s %9s %7s\n", "staged", "LFCal", "process", "reference", "ratio");
   std::printf("%-12s %-8s %2s %5s %3s", "", "", "", "", "");
   for (int s = 0; s < kStages; ++s) std::printf(" %8s", "ms");
-  std::printf(" %9s %9s %9s %7s\n", "ms", "ms", "ms", "x");
+  std::printf(" %9s %9s %9s %9s %7s\n", "ms", "ms", "ms", "ms", "x");
   for (const std::string& dir : dirs) {
     if (chdir(dir.c_str()) != 0) {
       std::fprintf(stderr, "lfbench: cannot enter %s\n", dir.c_str());
@@ -219,6 +247,13 @@ int main(int argc, char** argv) {
       for (int s = 0; s < kStages; ++s) std::printf(" %8.3f", 1e3 * median(st[s]));
       const double total = median(whole);
       std::printf(" %9.3f %9.3f", 1e3 * median(staged_total), 1e3 * total);
+      if (!lfrun.empty()) {
+        std::vector<double> proc;
+        for (int r = 0; r < repeat; ++r) proc.push_back(process_time(lfrun));
+        std::printf(" %9.3f", 1e3 * median(proc));
+      } else {
+        std::printf(" %9s", "-");
+      }
       const auto it = ref.find(name + "," + variant);
       if (it != ref.end())
         std::printf(" %9.3f %7.1f\n", 1e3 * it->second, it->second / total);

@@ -6,9 +6,9 @@
 #
 # Without cases it takes every case of ../shared/cases/matpower (or of
 # tests/data/matpower when that is absent).  Prints one table row per case and
-# method: iterations, the median time of each stage, the staged total, the
-# median whole LFCal, MATPOWER's runpf time and the ratio of the two.  With
-# case2383wp among the cases it also times whole lfrun processes.
+# method: iterations, the median processor time of each stage, the staged
+# total, the median whole LFCal, the median whole lfrun process, MATPOWER's
+# runpf time and the ratio of that to LFCal.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -54,26 +54,4 @@ for method in 1 2 3 4; do
   done
 done
 [ -f "$timing" ] && topt=(--timing "$timing") || topt=()
-"$build/bench/lfbench" --repeat "$repeat" --variant "$variant" "${topt[@]}" "${dirs[@]}"
-
-# The whole host process on the largest case, method 1.
-for d in "${dirs[@]}"; do
-  case "$d" in
-    */m1/case2383wp)
-      times=()
-      for _ in $(seq "$repeat"); do
-        t0=$(date +%s%N)
-        (cd "$d" && "$build/lfrun" LF >/dev/null 2>&1) || true
-        t1=$(date +%s%N)
-        times+=($(( (t1 - t0) / 1000 )))
-      done
-      med=$(printf '%s\n' "${times[@]}" | sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}')
-      ref=$(awk -F, -v v="$variant" '$1=="case2383wp" && $2==v {print $4}' "$timing" 2>/dev/null)
-      if [ -n "$ref" ]; then
-        awk -v m="$med" -v r="$ref" 'BEGIN {printf "lfrun process, case2383wp, method 1: %.3f ms (runpf %.3f ms, ratio %.1f)\n", m/1000, r*1000, r*1e6/m}'
-      else
-        awk -v m="$med" 'BEGIN {printf "lfrun process, case2383wp, method 1: %.3f ms\n", m/1000}'
-      fi
-      ;;
-  esac
-done
+"$build/bench/lfbench" --repeat "$repeat" --variant "$variant" --lfrun "$build/lfrun" "${topt[@]}" "${dirs[@]}"
