@@ -17,27 +17,39 @@ namespace lf {
 
 namespace {
 
+// The kinds of bus that the Jacobian tells apart.
+enum : uint8_t { kPQ, kFixedV, kSlack };
+
 // Calls put(k, j, y, diag) for each entry of row i of the Jacobian, in
 // ascending column j: k is the entry's place in JA, y the place of the pair's
 // admittance in Y.  Returns the next free place.
 template <typename Put>
-inline int32_t walk_row(int32_t i, int32_t k, Put&& put) {
+inline int32_t walk_row(int32_t i, int32_t k, const uint8_t* kind, Put&& put) {
   const int32_t d = Y.IY[i];
   // Below the diagonal: the column chain of column i, rows ascending.
   for (int32_t p = d;;) {
     const int32_t q = Y.LKNEXT[p];
     if (q == 0 || q == d) break;
     const int32_t r = Y.LKROW[p];
-    if (!slack_bus(r)) put(k++, r, q, false);
+    if (kind[r] != kSlack) put(k++, r, q, false);
     p = q;
   }
   put(k++, i, d, true);
   const int32_t end = Y.IY[i + 1];
   for (int32_t p = d + 1; p < end; ++p) {
     const int32_t c = Y.JY[p];
-    if (!slack_bus(c)) put(k++, c, p, false);
+    if (kind[c] != kSlack) put(k++, c, p, false);
   }
   return k;
+}
+
+// The kind of each bus 1 to n: kPQ, kFixedV or kSlack.  Formed anew for
+// each Jacobian, in a buffer that is kept, so that forming allocates nothing.
+const uint8_t* bus_kinds(int32_t n) {
+  static Arr<uint8_t> kinds;
+  kinds.grow(static_cast<std::size_t>(n));
+  for (int32_t i = 1; i <= n; ++i) kinds[i] = slack_bus(i) ? kSlack : pq_row(i) ? kPQ : kFixedV;
+  return kinds.data();
 }
 
 // The identity block of a slack row.
@@ -70,12 +82,12 @@ inline void load_terms(int32_t row, double e, double f, double& aa, double& ab, 
 // The power form of row i from place k on: the derivatives of the power
 // balance, or for a bus with V given of the voltage equation.  Returns the
 // next free place.
-int32_t power_row(int32_t i, int32_t k, const Arr<double>& ir, const Arr<double>& ii,
-                  Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab,
-                  Arr<double>& ad) {
+int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& ir,
+                  const Arr<double>& ii, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
+                  Arr<double>& ab, Arr<double>& ad) {
   const double e = VPQ.E[i], f = VPQ.F[i];
-  const bool pq = pq_row(i);
-  return walk_row(i, k, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
+  const bool pq = kind[i] == kPQ;
+  return walk_row(i, k, kind, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
     const double g = Y.YG[p], b = Y.YB[p];
     ja[kk] = j;
     if (!diag) {
@@ -109,11 +121,12 @@ int32_t power_row(int32_t i, int32_t k, const Arr<double>& ir, const Arr<double>
 void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
            Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab, Arr<double>& ad) {
   const int32_t n = NO.nnode;
+  const uint8_t* kind = bus_kinds(n);
   int32_t k = 1;
   ia[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
-    k = slack_bus(i) ? identity_row(i, k, ja, aa, ac, ab, ad)
-                     : power_row(i, k, ir, ii, ja, aa, ac, ab, ad);
+    k = kind[i] == kSlack ? identity_row(i, k, ja, aa, ac, ab, ad)
+                          : power_row(i, k, kind, ir, ii, ja, aa, ac, ab, ad);
     ia[i + 1] = k;
   }
 }
@@ -122,6 +135,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
             Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
             Arr<double>& ab, Arr<double>& ad) {
   const int32_t n = NO.nnode;
+  const uint8_t* kind = bus_kinds(n);
   const bool inject = NU.nud != 0 || UPCLF != 0;  // the models' extra injections
   int32_t k = 1;
   ia[1] = 1;
@@ -130,7 +144,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
     const double e = VPQ.E[i], f = VPQ.F[i];
     // The voltage given at the bus: the generator row's, else the load row's.
     const double vs = g5 != 0 ? L5.V[g5] : (l6 != 0 ? L6.V[l6] : 0.0);
-    if (slack_bus(i)) {
+    if (kind[i] == kSlack) {
       const double a = (g5 != 0 ? L5.Angle[g5] : L6.Angle[l6]) * kDegToRad;
       d1[i] = e - vs * std::cos(a);
       d2[i] = f - vs * std::sin(a);
@@ -153,10 +167,10 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       sq -= L6.Q[l6];
     }
     const double vsq = e * e + f * f;
-    if (pq_row(i)) {
+    if (kind[i] == kPQ) {
       const double cr = (f * sq + e * sp) / vsq;
       const double ci = (sp * f - sq * e) / vsq;
-      k = walk_row(i, k, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
+      k = walk_row(i, k, kind, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
         const double g = Y.YG[p], b = Y.YB[p];
         ja[kk] = j;
         if (!diag) {
@@ -174,7 +188,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       d1[i] = ir[i] - cr;
       d2[i] = ii[i] - ci;
     } else {
-      k = power_row(i, k, ir, ii, ja, aa, ac, ab, ad);
+      k = power_row(i, k, kind, ir, ii, ja, aa, ac, ab, ad);
       d1[i] = sp - d1[i];
       d2[i] = vs * vs - vsq;
     }
