@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "methods/net.hpp"
 #include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
@@ -43,24 +41,6 @@ TEST(Glpos, LoadRowFollowsGeneratorRow) {
   EXPECT_EQ(L6.mode_ctrl[4], 5);
   EXPECT_EQ(L6.mode_ctrl[5], -3);
   EXPECT_EQ(L6.mode_ctrl[6], 1);
-}
-
-TEST(Inivpq, FlatStartWithFixedVoltagesAndSlackAngle) {
-  two_bus(1, -10);
-  LFINF.ngenerat = 2;
-  LFINF.nload = 1;
-  gen(1, 1, 0, 0.9, 0.2, 1.05, 30);
-  gen(2, 2, -3, 0.5, 0.1, 1.2);    // read as P-Q: no voltage
-  load(1, 2, -1, 0.3, 0.1, 0.98);  // the load row has the last word
-  inivpq();
-  EXPECT_EQ(VPQ.V[1], 1.05);
-  EXPECT_EQ(VPQ.TH[1], 30 * kDegToRad);
-  EXPECT_EQ(VPQ.E[1], 1.05 * std::cos(30 * kDegToRad));
-  EXPECT_EQ(VPQ.V[2], 0.98);
-  EXPECT_EQ(VPQ.TH[2], 0);
-  EXPECT_EQ(VPQ.F[2], 0);
-  EXPECT_EQ(VPQ.PG[2], 0.5);
-  EXPECT_EQ(VPQ.QL[2], 0.1);
 }
 
 // Rows of both kinds at one bus: who gets the computed reactive power.

@@ -1,4 +1,4 @@
-// Switching of rows that are out of limit at convergence.
+// Switching of rows that are out of their reactive limits at convergence.
 #include "methods/limit.hpp"
 
 #include <gtest/gtest.h>
@@ -18,12 +18,8 @@ class Limit : public ::testing::Test {
     NO.nnode = 6;
     for (int i = 1; i <= 6; ++i) {
       NEW[i] = i;
-      LL1.busvmin[i] = 0.95;
-      LL1.busvmax[i] = 1.05;
+      qc[i] = 0;
     }
-    LFINF.ngenerat = 0;
-    LFINF.nload = 0;
-    for (int i = 1; i <= 6; ++i) qc[i] = 0;
   }
   void limits_gen(int32_t row, double qmin, double qmax) {
     L5P.Qmin[row] = qmin;
@@ -75,33 +71,6 @@ TEST_F(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
   limit(qc, changed);
   EXPECT_EQ(changed, 0);
   EXPECT_EQ(L5.mode_ctrl[1], 1);
-}
-
-TEST_F(Limit, VoltageLimitsHoldTheBoundAndDropTheAngle) {
-  LFINF.ngenerat = 1;
-  LFINF.nload = 2;
-  gen(1, 4, -3, 0.5, 0.1, 1.0);
-  load(1, 5, -3, 0.2, 0.1, 1.0);
-  load(2, 6, -3, 0.2, 0.1, 1.0);
-  run();
-  VPQ.V[4] = 1.06;
-  VPQ.TH[4] = 0.2;
-  VPQ.V[5] = 0.94;
-  VPQ.TH[5] = -0.1;
-  VPQ.V[6] = 1.05;  // at the limit
-  int32_t changed = 0;
-  limit(qc, changed);
-  EXPECT_EQ(changed, 1);
-  EXPECT_EQ(L5.mode_ctrl[1], -1);
-  EXPECT_EQ(L5.V[1], 1.05);
-  EXPECT_EQ(VPQ.V[4], 1.05);
-  EXPECT_EQ(VPQ.TH[4], 0);
-  EXPECT_EQ(VPQ.E[4], 1.05);
-  EXPECT_EQ(VPQ.F[4], 0);
-  EXPECT_EQ(L6.mode_ctrl[1], -1);
-  EXPECT_EQ(L6.V[1], 0.95);
-  EXPECT_EQ(VPQ.TH[5], 0);
-  EXPECT_EQ(L6.mode_ctrl[2], -3);
 }
 
 }  // namespace
