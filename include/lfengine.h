@@ -21,9 +21,10 @@ extern "C" {
 #endif
 
 /* Flag bits of LFInit and LFCal. */
-#define LF_FLAG_WINDOW 1 /* progress window */
-#define LF_FLAG_LINK 2   /* message link to the status server */
-#define LF_FLAG_PRINT 4  /* lines to the host callback */
+#define LF_FLAG_WINDOW 1    /* progress window */
+#define LF_FLAG_LINK 2      /* message link to the status server */
+#define LF_FLAG_PRINT 4     /* lines to the host callback */
+#define LF_FLAG_NONLINEAR 8 /* LFCal: the nonlinear method in place of the case's method */
 
 /* The host callback: called with one NUL-terminated line a call. */
 typedef int (*LFPrintFunc)(const char* line);

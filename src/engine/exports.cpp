@@ -104,6 +104,7 @@ extern "C" int LFCal(int* flags) {
   if (socket != 0 && !(*flags & LF_FLAG_LINK)) saved_socket = 0;
   if (mdisplay != 0 && !(*flags & LF_FLAG_WINDOW)) mdisplay = 0;
   prnon = (*flags & LF_FLAG_PRINT) ? 1 : 0;
+  NLFAST = (*flags & LF_FLAG_NONLINEAR) ? 1 : 0;
   int32_t convergent = 0;
   newlf(convergent);
   socket = saved_socket;

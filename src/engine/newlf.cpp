@@ -13,6 +13,7 @@
 #include "dcline/dcline.hpp"
 #include "engine/channels.hpp"
 #include "engine/errlist.hpp"
+#include "methods/newton.hpp"
 #include "methods/pqdecp.hpp"
 #include "netprep/netprep.hpp"
 #include "report/area.hpp"
@@ -28,6 +29,7 @@ namespace lf {
 CaseName casename;
 CaseName datalibname;
 CaseName udlibname;
+int32_t NLFAST = 0;
 int32_t adjcount = 0;
 int32_t adjflag = 0;
 
@@ -53,14 +55,22 @@ int32_t timer() {
 
 // Runs the iteration method that LFINF.method selects.
 void run_method(int32_t& convergent) {
+  if (NLFAST != 0) {
+    nlfast(convergent);
+    return;
+  }
   switch (LFINF.method) {
-    case 1:  // Newton's method with the correction test: newton(convergent)
+    case 1:  // Newton's method with the correction test
+      newton(convergent);
       break;
-    case 2:  // the optimum-factor method: optimu(convergent)
+    case 2:  // the optimum-factor method
+      optimu(convergent);
       break;
-    case 3:  // Newton's method on current equations: inewton(convergent)
+    case 3:  // Newton's method on current equations
+      inewton(convergent);
       break;
-    case 4:  // Newton's method on power equations: newtonp(convergent)
+    case 4:  // Newton's method on power equations
+      newtonp(convergent);
       break;
     default:  // 0 and every negative value: the P-Q decoupled method
       pqdecp(convergent);

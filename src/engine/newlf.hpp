@@ -14,6 +14,8 @@ extern CaseName casename;     // stem of the case files and of the reports
 extern CaseName datalibname;  // the parameter library, for the case reader
 extern CaseName udlibname;    // the library of user-defined models
 
+// 1: the calculation runs the nonlinear method in place of the case's method.
+extern int32_t NLFAST;
 extern int32_t adjcount;  // area adjustments made in this calculation
 extern int32_t adjflag;   // result of the last area adjustment: 0, 1 or 2
 

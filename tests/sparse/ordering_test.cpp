@@ -92,25 +92,6 @@ TEST(Ordering, ShuntOnlyBusAndParallelBranches) {
   EXPECT_EQ(NO.NYENT, 5);
 }
 
-TEST(Ordering, SearchOfALinkedList) {
-  // Lists: 1 -> (cells 1, 2, 3) holding 7, 8, 9; 2 is empty.
-  Arr<int32_t> head(2), node(3), next(3);
-  head[1] = 1;
-  node[1] = 7, node[2] = 8, node[3] = 9;
-  next[1] = 2, next[2] = 3, next[3] = 0;
-  int32_t found, pos, prev;
-  srhlink(8, 1, head, node, next, found, pos, prev);
-  EXPECT_EQ(found, 2);
-  EXPECT_EQ(pos, 2);
-  EXPECT_EQ(prev, 1);
-  srhlink(5, 1, head, node, next, found, pos, prev);
-  EXPECT_EQ(found, 0);
-  EXPECT_EQ(pos, 3);
-  EXPECT_EQ(prev, 2);
-  srhlink(7, 2, head, node, next, found, pos, prev);
-  EXPECT_EQ(found + pos + prev, 0);
-}
-
 // The ordering as its rules read: every candidate scanned in ascending number,
 // neighbour sets for the simulated elimination.
 std::vector<int32_t> reference_order(int32_t maxbus, const std::vector<std::pair<int, int>>& e) {

@@ -56,6 +56,9 @@ void usage(std::FILE* out) {
       "                into it; no case or report files are used, CASE_STEM still\n"
       "                names the folder of the run\n"
       "  --name-inc    replaces a NAME.INC that names another case (see above)\n"
+      "  --nonlinear   solves with the nonlinear method (constant Jacobian with the\n"
+      "                exact second-order term) in place of the case's method; its\n"
+      "                iteration table goes to standard output\n"
       "  --help        shows this text\n"
       "\n"
       "Exit status: 0 when every calculation converged, 1 when one did not (or\n"
@@ -113,6 +116,7 @@ struct Options {
   int mode = 0;
   int repeat = 1;
   bool replace_name_inc = false;
+  bool nonlinear = false;
   std::string db, stem;
 };
 
@@ -134,6 +138,8 @@ int parse(int argc, char** argv, Options& o) {
       o.flags |= LF_FLAG_LINK;
     } else if (a == "--no-print") {
       o.flags &= ~LF_FLAG_PRINT;
+    } else if (a == "--nonlinear") {
+      o.nonlinear = true;
     } else if (a == "--name-inc") {
       o.replace_name_inc = true;
     } else if (a == "--mode") {
@@ -203,7 +209,7 @@ int main(int argc, char** argv) {
   flags = LFInit(&flags, title, &session, &callback, &mode);
   bool all_converged = true;
   for (int run = 0; run < o.repeat; ++run) {
-    int cal_flags = flags;
+    int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
     if (LFCal(&cal_flags) != 0) all_converged = false;
   }
   LFFinilize();

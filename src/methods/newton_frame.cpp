@@ -1,0 +1,136 @@
+#include "methods/newton_frame.hpp"
+
+#include <cmath>
+#include <string>
+
+#include "engine/channels.hpp"
+#include "methods/limit.hpp"
+#include "sparse/blockfactor.hpp"
+#include "sparse/ymatrix.hpp"
+#include "support/fmt.hpp"
+
+namespace lf {
+
+NewtonWork& newton_work() {
+  static NewtonWork w;
+  const int32_t n = NO.nnode;
+  w.n = n;
+  w.nent = 2 * NO.NYENT;
+  for (Arr<double>* a : {&w.IR, &w.II, &w.PC, &w.QC, &w.D1, &w.D2, &w.X1, &w.X2, &w.C1, &w.C2})
+    a->grow(n);
+  w.IA.grow(n + 1);
+  w.JA.grow(w.nent);
+  for (Arr<double>* a : {&w.AA, &w.AB, &w.AC, &w.AD}) a->grow(w.nent);
+  for (Arr<int32_t>* a : {&w.CHROW, &w.CHPOS}) a->grow(w.nent);
+  for (Arr<int32_t>* a : {&w.CHFIRST, &w.CHFIRSTROW, &w.UPFIRST, &w.IU}) a->grow(n + 1);
+  const std::size_t cap = 5 * static_cast<std::size_t>(NO.NYENT);
+  for (Arr<int32_t>* a : {&w.JU, &w.UNROW, &w.UNPOS}) a->grow(cap);
+  for (Arr<double>* a : {&w.LA, &w.LB, &w.LC, &w.LD, &w.UA, &w.UB, &w.UC, &w.UD}) a->grow(cap);
+  // The table names a bus by the first case bus whose reduced number has its
+  // internal number; one that has none is shown by the bus after the last.
+  const int32_t nbus = LFINF.nbus;
+  w.FIRST.grow(n);
+  w.FIRST[0] = nbus + 1;
+  w.FIRST.fill(nbus + 1);
+  for (int32_t s = nbus; s >= 1; --s) {
+    const int32_t i = NEW[s];
+    if (i >= 0 && i <= n) w.FIRST[i] = s;
+  }
+  return w;
+}
+
+void factorise(NewtonWork& w, bool first) {
+  const int32_t cap = 5 * NO.NYENT;
+  if (first) {
+    adlink7l(w.IA, w.JA, w.n, w.nent, w.CHROW, w.CHPOS, w.CHFIRST, w.CHFIRSTROW, w.UPFIRST);
+    nonsym74(w.n, w.nent, cap, w.CHFIRST, w.UPFIRST, w.CHFIRSTROW, w.CHROW, w.CHPOS, w.IA, w.JA,
+             w.AA, w.AB, w.AC, w.AD, w.IU, w.JU, w.UNROW, w.UNPOS, w.LA, w.LB, w.LC, w.LD, w.IU,
+             w.JU, w.UNROW, w.UNPOS, w.UA, w.UB, w.UC, w.UD);
+  } else {
+    nonsym74o(w.n, w.nent, cap, w.CHFIRST, w.UPFIRST, w.CHFIRSTROW, w.CHROW, w.CHPOS, w.IA, w.JA,
+              w.AA, w.AB, w.AC, w.AD, w.IU, w.JU, w.UNROW, w.UNPOS, w.LA, w.LB, w.LC, w.LD, w.IU,
+              w.JU, w.UNROW, w.UNPOS, w.UA, w.UB, w.UC, w.UD);
+  }
+}
+
+void factorise_whole(NewtonWork& w) {
+  nonsym(w.n, w.nent, 5 * NO.NYENT, w.IA, w.JA, w.AA, w.AB, w.AC, w.AD, w.IU, w.JU, w.UNROW,
+         w.UNPOS, w.UA, w.UB, w.UC, w.UD, w.LA, w.LB, w.LC, w.LD);
+}
+
+void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+           Arr<double>& x2) {
+  solvxn(w.n, w.nent, w.IU, w.JU, w.UNROW, w.UNPOS, w.UA, w.UC, w.UB, w.UD, w.LA, w.LC, w.LB, w.LD,
+         r1, r2, x1, x2);
+}
+
+void power_mismatch(NewtonWork& w) {
+  mismatch_p(w.n, w.PC, w.D1);
+  mismatch_q(w.n, w.QC, w.D2, FixedV::Squared);
+}
+
+double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& ip) {
+  double m = 0;
+  for (int32_t i = 1; i <= n; ++i) {
+    const double x = std::max(std::fabs(a[i]), std::fabs(b[i]));
+    if (x > m) {
+      m = x;
+      ip = i;
+    }
+  }
+  return m;
+}
+
+void correct(NewtonWork& w, double mu) {
+  Arr<double>& E = VPQ.E;
+  Arr<double>& F = VPQ.F;
+  for (int32_t i = 1; i <= w.n; ++i) {
+    E[i] -= mu * w.X1[i];
+    F[i] -= mu * w.X2[i];
+    VPQ.V[i] = std::sqrt(E[i] * E[i] + F[i] * F[i]);
+    VPQ.TH[i] = (std::fabs(E[i]) > 1e-20 || std::fabs(F[i]) > 1e-20) ? std::atan2(F[i], E[i]) : 0;
+  }
+}
+
+bool limits_hold(NewtonWork& w) {
+  int32_t changed = 0;
+  limit(w.QC, changed);
+  return changed == 0;
+}
+
+bool interrupted() {
+  int32_t stop = 0;
+  itrupt(stop);
+  return stop != 0;
+}
+
+void print_heading(std::string_view title, int32_t rule, std::string_view columns, bool factor) {
+  std::string line = "  ";
+  line += title;
+  wstring(line);
+  line.assign(2, ' ').append(static_cast<std::size_t>(rule), '-');
+  wstring(line);
+  line = columns;
+  if (factor) line += " FACTOR";
+  wstring(line);
+  line = "    --- -------------------- ------------";
+  if (factor) line += " ------";
+  wstring(line);
+}
+
+void print_row(const NewtonWork& w, int32_t t, int32_t ip, double value,
+               std::optional<double> factor) {
+  const int32_t s = w.FIRST[ip];
+  BusName name;
+  if (static_cast<std::size_t>(s) <= NNTOON.map.size()) {
+    const int32_t c = NNTOON[s];
+    if (c >= 1 && static_cast<std::size_t>(c) <= L1.busname.size()) addspace(L1.busname[c], name);
+  }
+  std::string line(4, ' ');
+  line.append(fmt_i(t, 3)).append(1, ' ').append(name.view()).append(1, ' ');
+  line.append(fmt_f(value, 12, 6));
+  if (factor) line.append(1, ' ').append(fmt_f(*factor, 6, 4));
+  wstring(line);
+}
+
+}  // namespace lf

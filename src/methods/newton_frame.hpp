@@ -1,0 +1,90 @@
+// What the Newton-type methods share beyond the common iteration machinery:
+// the bus tests of the Jacobian, the work storage of one call, the block
+// factors of the Jacobian, the correction step and the iteration table.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "engine/store.hpp"
+#include "methods/iteration.hpp"
+#include "methods/vpq.hpp"
+#include "support/arr.hpp"
+
+namespace lf {
+
+// A slack bus: its generator row or its load row has type 0.
+inline bool slack_bus(int32_t i) {
+  const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
+  return (g != 0 && L5.mode_ctrl[g] == 0) || (l != 0 && L6.mode_ctrl[l] == 0);
+}
+
+// A bus with P and Q given: neither of its rows fixes the voltage.
+inline bool pq_row(int32_t i) {
+  const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
+  return !(g != 0 && iter_type(L5.mode_ctrl[g]) < 0) && !(l != 0 && iter_type(L6.mode_ctrl[l]) < 0);
+}
+
+// Everything a Newton-type method works on.  One store serves all calls: it
+// is sized at the start of each call from nnode and NYENT and keeps its
+// memory for later calculations, like the work arrays of the ordering, so
+// that neither the iterations nor a repeated calculation allocate or clear
+// memory.  Every value is written before it is read in a call.
+struct NewtonWork {
+  int32_t n = 0;               // buses
+  int32_t nent = 0;            // capacity of the Jacobian, 2 NYENT
+  Arr<double> IR, II, PC, QC;  // bus current sums and calculated injections
+  Arr<double> D1, D2;          // mismatches, the right-hand sides
+  Arr<double> X1, X2;          // corrections of E and F
+  Arr<double> C1, C2;          // the power of the correction alone
+  Arr<int32_t> IA, JA;         // the Jacobian by rows
+  Arr<double> AA, AB, AC, AD;
+  // Its block factors: the column chains of the matrix, then the L and U
+  // stores, which share their positions, index arrays and chains.
+  Arr<int32_t> CHROW, CHPOS, CHFIRST, CHFIRSTROW, UPFIRST;
+  Arr<int32_t> IU, JU, UNROW, UNPOS;
+  Arr<double> LA, LB, LC, LD, UA, UB, UC, UD;
+  Arr<int32_t> FIRST;  // by internal bus: the first reduced number with that internal number
+};
+
+// The store, sized for the present case.
+NewtonWork& newton_work();
+
+// Forms the Jacobian's factors: with `first` the fill-in is found anew,
+// otherwise the pattern of the last such call is reused.
+void factorise(NewtonWork& w, bool first);
+// The same in one routine that keeps nothing for a later factorisation.
+void factorise_whole(NewtonWork& w);
+
+// Solves the factorised Jacobian for the right-hand sides r1, r2.
+void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+           Arr<double>& x2);
+
+// Power mismatches D1, D2 of all buses at the present PC, QC (keeping PG, QG,
+// PL, QL).
+void power_mismatch(NewtonWork& w);
+
+// The largest of |a[i]| and |b[i]| over the buses; ip becomes the first bus
+// that reaches it and keeps its value when nothing is above 0.
+double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& ip);
+
+// E -= mu X1, F -= mu X2 for every bus, then V and TH from them.
+void correct(NewtonWork& w, double mu);
+
+// At convergence: limit may switch bus types.  True when it changed none,
+// so that the method is done; otherwise it iterates on with the same T.
+bool limits_hold(NewtonWork& w);
+
+// Polls for the user's stop at the end of an iteration.
+bool interrupted();
+
+// Prints the heading of an iteration table, one line at a time.
+void print_heading(std::string_view title, int32_t rule, std::string_view columns, bool factor);
+
+// Prints one row of the table: T, the name of bus ip, the largest value and,
+// when given, the factor.
+void print_row(const NewtonWork& w, int32_t t, int32_t ip, double value,
+               std::optional<double> factor = std::nullopt);
+
+}  // namespace lf

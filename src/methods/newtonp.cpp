@@ -1,0 +1,55 @@
+// The Newton method that starts from a rough decoupled solution and tests the
+// power mismatches themselves.  Its status is the decoupled start's: only an
+// interruption changes it, so a run to the limit of iterations after a start
+// that reached 0.5 still counts as converged.
+#include "dcline/dcline.hpp"
+#include "engine/channels.hpp"
+#include "methods/newton.hpp"
+#include "methods/newton_frame.hpp"
+#include "methods/pqdecp.hpp"
+
+namespace lf {
+
+namespace {
+constexpr double kRoughTolerance = 0.5;  // tolerance of the decoupled start
+}  // namespace
+
+void newtonp(int32_t& status) {
+  const double peps = LFINF.tolerance;
+  bool firstdone = false;  // the pattern is found once per call, across both passes
+  NewtonWork& w = newton_work();
+  int32_t ip = 0;
+  for (int32_t pass = 1; pass <= 2; ++pass) {
+    LFINF.tolerance = kRoughTolerance;
+    pqdecp(status);
+    LFINF.tolerance = peps;
+    wstring(" ");
+    print_heading("Newton Method Iterative Process", 31, "      T         BUS.          MAX(DP,DQ)",
+                  false);
+    int32_t t = 0;
+    for (;;) {
+      if (LFINF.ndcline != 0) dctran();
+      allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
+      power_mismatch(w);
+      const double dmax = largest(w.D1, w.D2, w.n, ip);
+      print_row(w, t, ip, dmax);
+      if (dmax <= peps) {
+        if (limits_hold(w)) return;
+        continue;
+      }
+      ++t;
+      if (t > LFINF.iteration) break;
+      formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
+      factorise(w, !firstdone);
+      firstdone = true;
+      solve(w, w.D1, w.D2, w.X1, w.X2);
+      correct(w, 1);
+      if (interrupted()) {
+        status = 0;
+        return;
+      }
+    }
+  }
+}
+
+}  // namespace lf

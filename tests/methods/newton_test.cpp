@@ -1,0 +1,434 @@
+// The Newton-type methods on a four-bus network whose solution is known:
+// slack bus, a voltage-controlled generator, a constant-power load with a
+// shunt capacitor and a voltage-dependent load, five lines.
+#include "methods/newton.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "engine/channels.hpp"
+#include "engine/store.hpp"
+#include "methods/iteration.hpp"
+#include "methods/net.hpp"
+#include "methods/newton_frame.hpp"
+#include "methods/vpq.hpp"
+#include "sparse/ordering.hpp"
+#include "sparse/ymatrix.hpp"
+#include "toolkit/headless.hpp"
+#include "toolkit/toolkit.hpp"
+
+namespace lf {
+namespace {
+
+std::vector<std::string> lines;
+int collect(const char* line) {
+  lines.emplace_back(line);
+  return 0;
+}
+
+// The solution of the network (per unit, degrees, generator outputs),
+// solved independently in polar coordinates to a mismatch of 1e-15: with the
+// voltage-dependent load, and with that load at its nominal value.
+struct Solution {
+  double v[5], deg[5], slack_p, slack_q, gen_q;
+};
+constexpr Solution kSolved = {{0, 1.0, 1.02, 0.9823791216739178, 0.9789890821331709},
+                              {0, 0.0, -0.9935214078569115, -4.722278171469363, -5.298401255578748},
+                              0.7015159158088504,
+                              -0.14071220668344964,
+                              0.5324375736439481};
+constexpr Solution kNominal = {{0, 1.0, 1.02, 0.9821202867813592, 0.9784051209091481},
+                               {0, 0.0, -1.0157909336426714, -4.75516423746912, -5.362978582451982},
+                               0.7091693921800724,
+                               -0.1392538084612065,
+                               0.5365419673251315};
+
+// The lines of the network, by its bus numbers 1 to 4; the shunt capacitor of
+// bus 3 is given as an impedance.
+struct Branch {
+  int i, j;
+  double r, x, b;
+};
+constexpr Branch kLines[] = {{1, 2, 0.01, 0.1, 0.01},
+                             {2, 3, 0.02, 0.2, 0},
+                             {1, 3, 0.01, 0.15, 0.02},
+                             {3, 4, 0.015, 0.12, 0.005},
+                             {2, 4, 0.02, 0.25, 0}};
+constexpr Branch kShunt = {3, 3, 0, -10, 0};
+
+// Stores `copies` copies of the network, orders them and builds the
+// admittance matrix.  Copy c has the buses 4c+1 to 4c+4.  The copies are
+// joined by tie lines, bus 4 of each copy to bus 4 of the next and bus 3 to
+// bus 3 of the one after, and each keeps its slack bus: every copy has the
+// solution of one copy and the ties carry nothing, in every iteration.
+void load_case(double tolerance, int32_t iteration, int32_t gen2_type = -1, int copies = 1,
+               int32_t load4_type = 2) {
+  const int nbus = 4 * copies;
+  const int nties = std::max(0, copies - 1) + std::max(0, copies - 2);
+  const int nbranch = 6 * copies + nties;
+  grow_buses(nbus);
+  grow_branches(nbranch);
+  grow_generators(2 * copies);
+  grow_loads(2 * copies);
+  LFINF = LFINFRec{};
+  LFINF.nbus = nbus;
+  LFINF.nacline = nbranch;
+  LFINF.ngenerat = 2 * copies;
+  LFINF.nload = 2 * copies;
+  LFINF.base_mva = 100;
+  LFINF.tolerance = tolerance;
+  LFINF.iteration = iteration;
+  NO = NORec{};
+  NO.nbranch = nbranch;
+  NU = NURec{};
+  UPCLF = 0;
+  const char* names[] = {"SLACK", "GEN2", "LOAD3", "LOAD4"};
+  for (int b = 1; b <= nbus; ++b) {
+    L1.busname[b] =
+        copies == 1 ? std::string(names[b - 1]) : names[(b - 1) % 4] + std::to_string((b - 1) / 4);
+    NNTOON[b] = b;
+    LL1.busvmax[b] = 1.1;
+    LL1.busvmin[b] = 0.9;
+  }
+  int k = 0;
+  auto branch = [&k](int i, int j, double r, double x, double b) {
+    ++k;
+    IJB.I[k] = i;
+    IJB.J[k] = j;
+    RXB.R[k] = r;
+    RXB.X[k] = x;
+    RXB.B[k] = b;
+    RXB.T[k] = 1;
+  };
+  for (int c = 0; c < copies; ++c) {
+    for (const Branch& l : kLines) branch(4 * c + l.i, 4 * c + l.j, l.r, l.x, l.b);
+    if (c + 1 < copies) branch(4 * c + 4, 4 * c + 8, 0.01, 0.1, 0);
+    if (c + 2 < copies) branch(4 * c + 3, 4 * c + 11, 0.02, 0.2, 0);
+  }
+  for (int c = 0; c < copies; ++c) branch(4 * c + 3, 4 * c + 3, kShunt.r, kShunt.x, 0);
+  for (int c = 0; c < copies; ++c) {
+    test::gen(2 * c + 1, 4 * c + 1, 0, 0, 0, 1.0);
+    test::gen(2 * c + 2, 4 * c + 2, gen2_type, 0.5, 0, 1.02);
+    test::load(2 * c + 1, 4 * c + 3, 1, 0.8, 0.3);
+    test::load(2 * c + 2, 4 * c + 4, load4_type, 0.4, 0.15);
+    for (int g = 2 * c + 1; g <= 2 * c + 2; ++g) {
+      L5P.Qmax[g] = 0.4;
+      L5P.Qmin[g] = -0.4;
+    }
+  }
+  ABCLC.ap[2] = 0.3, ABCLC.bp[2] = 0.3, ABCLC.cp[2] = 0.4;
+  ABCLC.aq[2] = 0.5, ABCLC.bq[2] = 0.2, ABCLC.cq[2] = 0.3;
+  NEW.grow(nbus);
+  NEW.clear(NEW.size());
+  fomy11();
+  fomy12();
+}
+
+class NewtonTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    lines.clear();
+    prnon = 1;
+    prnfunc = reinterpret_cast<intptr_t>(&collect);
+  }
+  void TearDown() override { prnfunc = 0; }
+
+  static void expect_solution(const Solution& s, double tol) {
+    for (int b = 1; b <= 4; ++b) {
+      const int i = NEW[b];
+      EXPECT_NEAR(VPQ.V[i], s.v[b], tol) << "bus " << b;
+      EXPECT_NEAR(VPQ.TH[i] * 57.29577951308232, s.deg[b], tol * 60) << "bus " << b;
+    }
+    EXPECT_NEAR(VPQ.PG[NEW[1]], s.slack_p, tol);
+    EXPECT_NEAR(VPQ.QG[NEW[1]], s.slack_q, tol);
+    EXPECT_NEAR(VPQ.QG[NEW[2]], s.gen_q, tol);
+  }
+  std::string table() const {
+    std::string s;
+    for (const auto& l : lines) s += l + "\n";
+    return s;
+  }
+};
+
+TEST_F(NewtonTest, EachMethodSolvesTheCaseWithItsTable) {
+  struct Case {
+    void (*method)(int32_t&);
+    const Solution& solution;
+    const char* text;
+  };
+  // The current equations hold a voltage-dependent load at its nominal value.
+  // The correction test shows, last, the correction that is not applied; the
+  // optimum factor shows 1 on the first row and near the solution.
+  const Case cases[] = {
+      {newton, kSolved,
+       "  Newton Method (Power Equation) Iterative Process\n"
+       "  ------------------------------------------------\n"
+       "      T         BUS.         MAX(DVR,DVI)\n"
+       "    --- -------------------- ------------\n"
+       "      0                LOAD4     0.090622\n"
+       "      1                LOAD4     0.007433\n"
+       "      2                LOAD4     0.000054\n"
+       "      3                LOAD4     0.000000\n"
+       "      4                LOAD3     0.000000\n"},
+      {optimu, kSolved,
+       "  Optimum Factor Iterative Process\n"
+       "  --------------------------------\n"
+       "      T         BUS.         MAX(DVR,DVI) FACTOR\n"
+       "    --- -------------------- ------------ ------\n"
+       "      0                LOAD4     0.090622 1.0000\n"
+       "      1                LOAD4     0.007441 0.9995\n"
+       "      2                LOAD4     0.000001 1.0071\n"
+       "      3                LOAD4     0.000000 1.0000\n"},
+      {inewton, kNominal,
+       "  Newton Method (Current Equation) Iterated Process\n"
+       "  --------------------------------------------------\n"
+       "      T         BUS.         MAX(DVR,DVI)\n"
+       "    --- -------------------- ------------\n"
+       "      0                LOAD4     0.092318\n"
+       "      1                LOAD4     0.000871\n"
+       "      2                 GEN2     0.000000\n"
+       "      3                 GEN2     0.000000\n"},
+      {newtonp, kSolved,
+       "  P Q Decoupled Iterative Process\n"
+       "  -------------------------------\n"
+       "      T         BUS.           MAX(DP)         BUS.           MAX(DQ)\n"
+       "    --- -------------------- ------------ -------------------- ------------\n"
+       "      0                LOAD3     0.790099                LOAD3     0.169379\n"
+       "      1                LOAD4     0.004772                LOAD3     0.169379\n"
+       "\n"
+       "  Newton Method Iterative Process\n"
+       "  -------------------------------\n"
+       "      T         BUS.          MAX(DP,DQ)\n"
+       "    --- -------------------- ------------\n"
+       "      0                LOAD3     0.169379\n"
+       "      1                LOAD3     0.002940\n"
+       "      2                LOAD3     0.000001\n"
+       "      3                LOAD4     0.000000\n"},
+  };
+  for (const Case& c : cases) {
+    load_case(1e-9, 20);
+    lines.clear();
+    int32_t status = -1;
+    c.method(status);
+    EXPECT_EQ(status, 1);
+    expect_solution(c.solution, 1e-8);
+    EXPECT_EQ(table(), c.text);
+    // The load's reported power follows its voltage in every form.
+    const double v = VPQ.V[NEW[4]];
+    EXPECT_NEAR(VPQ.PL[NEW[4]], 0.4 * ((0.3 * v) * v + 0.3 * v + 0.4), 1e-12);
+  }
+}
+
+// Rows of the table that start with a row number, as (T, rest of the row).
+std::vector<std::pair<int, std::string>> rows_of(const std::vector<std::string>& text) {
+  std::vector<std::pair<int, std::string>> rows;
+  for (const auto& l : text) {
+    if (l.size() > 8 && l.compare(0, 4, "    ") == 0 &&
+        std::isdigit(static_cast<unsigned char>(l[6])))
+      rows.emplace_back(std::stoi(l.substr(4, 3)), l.substr(7));
+  }
+  return rows;
+}
+
+int count(const std::vector<std::string>& text, const std::string& line) {
+  return static_cast<int>(std::count(text.begin(), text.end(), line));
+}
+
+// The Jacobian, dense over the equations and unknowns of the buses.
+struct Dense {
+  int n;
+  std::vector<double> a;
+  explicit Dense(int n) : n(n), a(4 * n * n, 0.0) {}
+  double& at(int r, int c) { return a[(r - 1) * 2 * n + (c - 1)]; }
+};
+
+TEST_F(NewtonTest, JacobiansAreTheDerivativesOfTheirMismatches) {
+  load_case(1e-9, 20);
+  glpos();
+  inivpq();
+  NewtonWork& w = newton_work();
+  const int n = w.n;
+  // A point away from the solution; the slack bus keeps its voltage.
+  for (int i = 1; i <= n; ++i) {
+    if (slack_bus(i)) continue;
+    VPQ.E[i] = 0.97 + 0.011 * i;
+    VPQ.F[i] = -0.03 * i;
+  }
+  // The mismatches of both forms at the present E, F (V follows them).
+  auto mismatches = [&](bool current, std::vector<double>& d) {
+    for (int i = 1; i <= n; ++i) VPQ.V[i] = std::hypot(VPQ.E[i], VPQ.F[i]);
+    allbpq(3, n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
+    if (current) {
+      for (int i = 1; i <= n; ++i) w.D1[i] = w.PC[i], w.D2[i] = w.QC[i];
+      iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
+    } else {
+      power_mismatch(w);
+      formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
+    }
+    d.assign(2 * n, 0);
+    for (int i = 1; i <= n; ++i) d[2 * i - 2] = w.D1[i], d[2 * i - 1] = w.D2[i];
+  };
+  for (bool current : {false, true}) {
+    SCOPED_TRACE(current ? "current equations" : "power equations");
+    std::vector<double> d, dp, dm;
+    mismatches(current, d);
+    Dense jac(n);
+    for (int i = 1; i <= n; ++i) {
+      for (int k = w.IA[i]; k < w.IA[i + 1]; ++k) {
+        const int j = w.JA[k];
+        jac.at(2 * i - 1, 2 * j - 1) = w.AA[k];
+        jac.at(2 * i - 1, 2 * j) = w.AB[k];
+        jac.at(2 * i, 2 * j - 1) = w.AC[k];
+        jac.at(2 * i, 2 * j) = w.AD[k];
+      }
+    }
+    const double h = 1e-6;
+    for (int j = 1; j <= n; ++j) {
+      if (slack_bus(j)) continue;
+      for (int part = 0; part < 2; ++part) {
+        Arr<double>& x = part == 0 ? VPQ.E : VPQ.F;
+        x[j] += h;
+        mismatches(current, dp);
+        x[j] -= 2 * h;
+        mismatches(current, dm);
+        x[j] += h;
+        for (int i = 1; i <= n; ++i) {
+          if (slack_bus(i)) continue;
+          for (int eq = 0; eq < 2; ++eq) {
+            const int r = 2 * i - 1 + eq;
+            EXPECT_NEAR(jac.at(r, 2 * j - 1 + part), (dp[r - 1] - dm[r - 1]) / (2 * h), 1e-6)
+                << "row " << r << " bus " << j << " part " << part;
+          }
+        }
+      }
+    }
+    // A slack row is the identity alone; its current-form mismatch is the
+    // distance from the given voltage.
+    const int s = NEW[1];
+    ASSERT_EQ(w.IA[s + 1] - w.IA[s], 1);
+    const int k = w.IA[s];
+    EXPECT_EQ(w.JA[k], s);
+    EXPECT_EQ(w.AA[k], 1);
+    EXPECT_EQ(w.AB[k], 0);
+    EXPECT_EQ(w.AC[k], 0);
+    EXPECT_EQ(w.AD[k], 1);
+    if (current) {
+      EXPECT_EQ(d[2 * s - 2], 0);
+      EXPECT_EQ(d[2 * s - 1], 0);
+    }
+  }
+}
+
+TEST_F(NewtonTest, NewtonWithTheDecoupledStartKeepsItsStatus) {
+  // One Newton iteration cannot reach the tolerance, but the decoupled start
+  // reached 0.5, and that is the status; both passes run.
+  load_case(1e-12, 1);
+  int32_t status = -1;
+  newtonp(status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(count(lines, "  Newton Method Iterative Process"), 2);
+  EXPECT_EQ(count(lines, "  P Q Decoupled Iterative Process"), 2);
+  EXPECT_EQ(count(lines, ""), 2);
+}
+
+TEST_F(NewtonTest, SecondPassStartsFlatWithTheWidenedTolerance) {
+  load_case(1e-9, 1);
+  int32_t status = -1;
+  newton(status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(count(lines, "  Newton Method (Power Equation) Iterative Process"), 2);
+  // The second pass repeats the first from the flat start and stops on the
+  // best correction of the first pass.
+  const auto rows = rows_of(lines);
+  ASSERT_EQ(rows.size(), 4u);
+  EXPECT_EQ(rows[2], rows[0]);
+  EXPECT_EQ(rows[3], rows[1]);
+}
+
+TEST_F(NewtonTest, EscapeStopsTheIterationWithStatusZero) {
+  HeadlessScreen screen;
+  set_toolkit_backend(&screen);
+  // Another message in front of the Escape key is dropped by the first poll,
+  // so the key counts at the end of the second iteration.
+  for (bool behind : {false, true}) {
+    for (void (*method)(int32_t&) : {newton, optimu, inewton, newtonp}) {
+      load_case(1e-9, 20);
+      lines.clear();
+      screen.script.clear();
+      if (behind) screen.post(kMsgKey, 0, 'a');
+      screen.post(kMsgKey, 0, kEscapeKey);
+      int32_t status = -1;
+      method(status);
+      EXPECT_EQ(status, 0);
+      ASSERT_FALSE(lines.empty());
+      EXPECT_EQ(lines.back(), "Calculation Termination!......");
+      const auto rows = rows_of(lines);
+      ASSERT_FALSE(rows.empty());
+      EXPECT_EQ(rows.back().first, behind ? 1 : 0);
+    }
+  }
+  set_toolkit_backend(nullptr);
+}
+
+TEST_F(NewtonTest, TypeChangeAtConvergenceRepeatsTheIterationNumber) {
+  // Generator 2 needs 0.53 of reactive power but may give 0.4: at convergence
+  // it turns into a P-Q row at its limit, and the iteration goes on with the
+  // same T.
+  for (void (*method)(int32_t&) : {newton, optimu, inewton, newtonp}) {
+    load_case(1e-9, 20, -2);
+    lines.clear();
+    int32_t status = -1;
+    method(status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(L5.mode_ctrl[2], 1);
+    EXPECT_DOUBLE_EQ(VPQ.QG[NEW[2]], 0.4);
+    EXPECT_LT(VPQ.V[NEW[2]], 1.02);
+    const auto rows = rows_of(lines);
+    int repeats = 0;
+    for (std::size_t r = 1; r < rows.size(); ++r) repeats += rows[r].first == rows[r - 1].first;
+    EXPECT_EQ(repeats, 1);
+  }
+}
+
+TEST_F(NewtonTest, NonlinearMethodSolvesWithItsTableOnStandardOutput) {
+  load_case(1e-10, 30, -1, 1, 1);
+  ::testing::internal::CaptureStdout();
+  int32_t status = -1;
+  nlfast(status);
+  const std::string out = ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ(status, 1);
+  expect_solution(kNominal, 1e-8);
+  EXPECT_TRUE(lines.empty());
+  EXPECT_EQ(out.substr(0, 160),
+            "  NOLINEAR METHOD ITERATIVE PROCESS\n"
+            "  ---------------------------------\n"
+            "       T            BUS.       MAX(DVR,DVI)\n"
+            "      ---       ----------     ------------\n");
+}
+
+TEST_F(NewtonTest, LargeJoinedCaseSolvesWithEveryMethod) {
+  // 5200 copies: 20800 buses and 41598 branch rows, beyond the starting
+  // capacities of the store, the admittance matrix and the factors.
+  prnon = 0;
+  for (void (*method)(int32_t&) : {newton, optimu, inewton, newtonp}) {
+    load_case(1e-8, 20, -1, 5200);
+    ASSERT_GT(NO.nnode, 20000);
+    ASSERT_GT(NO.nbranch, 30000);
+    const Solution& solution = method == inewton ? kNominal : kSolved;
+    int32_t status = -1;
+    method(status);
+    EXPECT_EQ(status, 1);
+    double worst = 0;
+    for (int b = 1; b <= LFINF.nbus; ++b)
+      worst = std::max(worst, std::fabs(VPQ.V[NEW[b]] - solution.v[(b - 1) % 4 + 1]));
+    EXPECT_LT(worst, 1e-8);
+  }
+}
+
+}  // namespace
+}  // namespace lf
