@@ -1,8 +1,9 @@
 #include "methods/pqdecp.hpp"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "dcline/dcline.hpp"
 #include "engine/channels.hpp"

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <complex>
 
 #include "methods/net.hpp"
 #include "methods/vpq.hpp"
@@ -62,35 +61,6 @@ TEST(Inivpq, FlatStartWithFixedVoltagesAndSlackAngle) {
   EXPECT_EQ(VPQ.F[2], 0);
   EXPECT_EQ(VPQ.PG[2], 0.5);
   EXPECT_EQ(VPQ.QL[2], 0.1);
-}
-
-TEST(Allbpq, SumsBothTrianglesAndLeavesTheOtherOutputAlone) {
-  two_bus(2, -8);
-  Arr<double> e(2), f(2), ir(2), ii(2), pc(2), qc(2);
-  e[1] = 1;
-  e[2] = 0.9;
-  f[2] = -0.1;
-  qc[1] = qc[2] = 99;
-  allbpq(1, 2, e, f, ir, ii, pc, qc);
-  // I1 = y (V1 - V2), I2 = y (V2 - V1) with y = 2 - 8j
-  std::complex<double> y(2, -8), v1(1, 0), v2(0.9, -0.1);
-  std::complex<double> i1 = y * (v1 - v2), i2 = y * (v2 - v1);
-  EXPECT_NEAR(ir[1], i1.real(), 1e-15);
-  EXPECT_NEAR(ii[2], i2.imag(), 1e-15);
-  EXPECT_NEAR(pc[2], (v2 * std::conj(i2)).real(), 1e-15);
-  EXPECT_EQ(qc[1], 99);
-  allbpq(7, 2, e, f, ir, ii, pc, qc);  // an unknown k gives P
-  EXPECT_EQ(qc[2], 99);
-  allbpq(2, 2, e, f, ir, ii, pc, qc);
-  EXPECT_NEAR(qc[2], (v2 * std::conj(i2)).imag(), 1e-15);
-}
-
-TEST(Addspace, RightJustifies) {
-  BusName out;
-  addspace(BusName("BUS 7"), out);
-  EXPECT_EQ(out.str(), "               BUS 7");
-  addspace(BusName(""), out);
-  EXPECT_EQ(out.str(), std::string(20, ' '));
 }
 
 // Rows of both kinds at one bus: who gets the computed reactive power.

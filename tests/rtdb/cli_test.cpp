@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstring>
 
 #include "testdb.hpp"
@@ -93,6 +94,18 @@ TEST_F(CliTest, UpdateWritesBoundColumnsNarrowedAndKeepsTheRest) {
   EXPECT_EQ(value("SELECT id FROM ln"), "L1new");
   EXPECT_EQ(value("SELECT descr FROM ln"), "keep me");
   EXPECT_EQ(value("SELECT lnno FROM ln"), "7");
+
+  // A value that is not a number is kept as one.
+  st = cli_statement(s, "select * from ln");
+  cli_column(st, "w", cli_real8, nullptr, &w);
+  ASSERT_EQ(cli_fetch(st, cli_for_update), 1);
+  ASSERT_EQ(cli_get_next(st), cli_ok);
+  w = std::nan("");
+  ASSERT_EQ(cli_update(st), cli_ok);
+  w = 0;
+  ASSERT_EQ(cli_get_first(st), cli_ok);
+  EXPECT_TRUE(std::isnan(w));
+  cli_free(st);
 }
 
 TEST_F(CliTest, RefusesWhatTheTableCannotTake) {

@@ -1,6 +1,7 @@
 #include <cctype>
 #include <cmath>
 
+#include "dcline/dcline.hpp"
 #include "engine/store.hpp"
 #include "methods/vpq.hpp"
 #include "report/reports.hpp"
@@ -203,6 +204,41 @@ TEST_F(WriteTest, SharesTheNodePowersAmongTheUnitsAndLoadsOfABus) {
   EXPECT_EQ(number("SELECT r FROM un WHERE id = 'g3'"), 0.0625);
   EXPECT_EQ(number("SELECT w FROM ld WHERE id = 'd3'"), narrowed(0.2));
   EXPECT_EQ(number("SELECT r FROM ld WHERE id = 'd3'"), narrowed(0.2 * 0.25 / 0.6));
+}
+
+TEST_F(WriteTest, WritesTheOperatingPointOfADcLine) {
+  sql("INSERT INTO dln (id, dlnno, q, vdrate_kv) VALUES ('off', 1, 4, 1), ('dc', 1, 0, 500);");
+  LFINF.ndcline = 1;
+  DCLFOP.grow(1);
+  DCBASE.grow(1);
+  DCLFPU.grow(1);
+  NL4.op_mode[1] = 20;
+  NL4.i_bridge[1] = 2;
+  NL4.vli_kv[1] = 210;
+  NL4.vhi_kv[1] = 230;
+  NL4.rpi_ohm[1] = 0.0125;
+  DCBASE.vbi[1] = 230;
+  DCBASE.vdb[1] = 500;
+  DCLFOP.tk1i[1] = 1.02;
+  DCLFOP.pd1i[1] = -3.0;
+  DCLFOP.pd2i[1] = -2.0;
+  DCLFOP.qd1i[1] = -1.0;
+  DCLFOP.id10[1] = 0.5;
+  DCLFOP.id20[1] = 0.25;
+  DCLFPU.qcip[1] = 0.75;
+  int32_t converged = 1;
+  wtrtlf(converged);
+  const std::string dc = " FROM dln WHERE id = 'dc'";
+  EXPECT_EQ(number("SELECT w" + dc), 5.0);
+  EXPECT_EQ(number("SELECT r" + dc), 1.0);
+  EXPECT_EQ(number("SELECT iz" + dc), 0.75);
+  EXPECT_EQ(number("SELECT qcip" + dc), 1.5);  // two poles, two filters
+  EXPECT_EQ(number("SELECT rpi" + dc), 0.0125);
+  EXPECT_EQ(number("SELECT ttk1i" + dc),
+            ((1.02 * 2 * 230.0 / 500.0) * 210.0 * 1.350474473703044 / 230.0 - 1) * 100);
+  EXPECT_EQ(value("SELECT ttk1j IS NULL" + dc), "1");  // 0/0 from a J end without data
+  EXPECT_EQ(number("SELECT vdrate_kv" + dc), 500.0);
+  EXPECT_EQ(number("SELECT w FROM dln WHERE id = 'off'"), 0.0);
 }
 
 }  // namespace

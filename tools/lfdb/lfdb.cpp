@@ -38,7 +38,7 @@ int usage(const char* problem) {
       "usage: lfdb import CASE_STEM DB_FILE [--dat DAT_STEM]\n"
       "\n"
       "Creates the database file DB_FILE with the tables of the load flow and\n"
-      "fills it from the case files CASE_STEM.L0, .L1, .L2, .L3, .nL4, .L5, .L6\n"
+      "fills it from the case files CASE_STEM.L0, .L1, .L2, .L3, .NL4, .L5, .L6\n"
       "(scaled by .L10 when the case asks for it).  DAT_STEM.DAT gives the static\n"
       "load characteristics when a load needs them; it defaults to DATALIB beside\n"
       "the case.  Area schedules (.L7), switch records (.L13) and model files have\n"
@@ -180,6 +180,9 @@ bool write_branches(int s) {
       c.x1 = static_cast<float>(RXB.X[k]);
       put_control(c, L2P.mode_ctrl[k], L2P.ibs_ctrl[k], L2P.line_ctrl[k], L2P.value_ctrl[k]);
       c.par_no = L2P.par_group[k];
+      if (RXB.B[k] != 0)
+        std::fprintf(stderr, "lfdb: note: shunt branch %d at bus %d loses its charging B\n",
+                     IJB.No[k], IJB.I[k]);
       if (!insert(s, "cp", bindcp, c)) return false;
     }
   }

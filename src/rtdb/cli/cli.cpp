@@ -3,7 +3,8 @@
 // Each table keeps the column types of the real-time database in its declared
 // SQLite types: INT4 (32-bit integer), REAL4 (32-bit float), REAL8 (64-bit
 // float) and TEXT.  Values are narrowed to the column's type before they are
-// stored, so a REAL4 column reads back as the widened float.  A selection is
+// stored, so a REAL4 column reads back as the widened float.  SQLite keeps a
+// value that is not a number as NULL, and it reads back as one.  A selection is
 // the list of matching rowids taken at fetch time, in insertion order unless
 // the statement orders it; the bound columns of a row are read when the walk
 // reaches it.  A fetch for update takes the write lock at once; precommit and
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -214,22 +216,12 @@ void bind_value(sqlite3_stmt* q, int i, const Column& c) {
     sqlite3_bind_text(q, i, p, static_cast<int>(n), SQLITE_TRANSIENT);
     return;
   }
-  double x = 0;
-  std::int64_t k = 0;
-  switch (c.var_type) {
-    case cli_int4:
-      k = *static_cast<const std::int32_t*>(c.ptr);
-      x = static_cast<double>(k);
-      break;
-    case cli_real4:
-      x = *static_cast<const float*>(c.ptr);
-      k = static_cast<std::int64_t>(x);
-      break;
-    default:
-      x = *static_cast<const double*>(c.ptr);
-      k = static_cast<std::int64_t>(x);
-      break;
-  }
+  double x = c.var_type == cli_int4    ? *static_cast<const std::int32_t*>(c.ptr)
+             : c.var_type == cli_real4 ? *static_cast<const float*>(c.ptr)
+                                       : *static_cast<const double*>(c.ptr);
+  // A real stored into an integer column is truncated; one without an
+  // integer value becomes 0.
+  std::int64_t k = std::fabs(x) < 9.2e18 ? static_cast<std::int64_t>(x) : 0;
   switch (c.kind) {
     case Kind::Int4:
       sqlite3_bind_int64(q, i, static_cast<std::int32_t>(k));
@@ -264,13 +256,15 @@ void copy_value(sqlite3_stmt* q, int i, const Column& c) {
     return;
   }
   bool integral = c.kind == Kind::Int4 || c.kind == Kind::Int8;
-  double x =
-      integral ? static_cast<double>(sqlite3_column_int64(q, i)) : sqlite3_column_double(q, i);
+  double x = integral ? static_cast<double>(sqlite3_column_int64(q, i))
+             : sqlite3_column_type(q, i) == SQLITE_NULL ? std::nan("")
+                                                        : sqlite3_column_double(q, i);
   switch (c.var_type) {
     case cli_int4:
       *static_cast<std::int32_t*>(c.ptr) =
-          integral ? static_cast<std::int32_t>(sqlite3_column_int64(q, i))
-                   : static_cast<std::int32_t>(x);
+          integral               ? static_cast<std::int32_t>(sqlite3_column_int64(q, i))
+          : std::fabs(x) < 2.1e9 ? static_cast<std::int32_t>(x)
+                                 : 0;
       break;
     case cli_real4:
       *static_cast<float*>(c.ptr) = static_cast<float>(x);
