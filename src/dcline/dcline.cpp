@@ -8,16 +8,6 @@
 namespace lf {
 
 namespace {
-template <typename... A>
-void grow_all(std::size_t n, A&... a) {
-  (a.grow(n), ...);
-}
-template <typename R>
-R sized(std::size_t n) {
-  R r;
-  r.grow(n);
-  return r;
-}
 
 constexpr double kInductanceAt50Hz = 0.0031830988614222804;  // 1 / (2 pi 50)
 constexpr double kBridgeFactor = 1.350474473703044;          // 3 sqrt 2 / pi

@@ -2,19 +2,6 @@
 
 namespace lf {
 
-namespace {
-template <typename... A>
-void grow_all(std::size_t n, A&... a) {
-  (a.grow(n), ...);
-}
-template <typename R>
-R sized(std::size_t n) {
-  R r;
-  r.grow(n);
-  return r;
-}
-}  // namespace
-
 void LL1Rec::grow(std::size_t n) {
   grow_all(n, basekv, busarea, busvmax, busvmin);
 }

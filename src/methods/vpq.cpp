@@ -13,15 +13,6 @@ void GLPRec::grow(std::size_t n) {
   ILOAD.grow(n);
 }
 
-namespace {
-template <typename R>
-R sized(std::size_t n) {
-  R r;
-  r.grow(n);
-  return r;
-}
-}  // namespace
-
 VPQRec VPQ = sized<VPQRec>(kCapBus);
 GLPRec GLP = sized<GLPRec>(kCapBus);
 

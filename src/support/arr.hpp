@@ -85,4 +85,18 @@ struct Text {
   friend bool operator==(const Text& a, const Text& b) { return std::memcmp(a.c, b.c, N) == 0; }
 };
 
+// Grows every array of a record to hold n elements.
+template <typename... A>
+void grow_all(std::size_t n, A&... a) {
+  (a.grow(n), ...);
+}
+
+// A record whose arrays hold n elements from the start.
+template <typename R>
+R sized(std::size_t n) {
+  R r;
+  r.grow(n);
+  return r;
+}
+
 }  // namespace lf
