@@ -54,7 +54,7 @@ TEST_F(Channels, FailedLinkClearsItsBitAndIsReportedOnlyWithThePrintBit) {
   if (!held) GTEST_SKIP() << "another program listens on the link's port";
 }
 
-TEST_F(Channels, WindowOpensWithItsGeometryTitleAndLineHeight) {
+TEST_F(Channels, WindowOpensWithItsGeometryAndPageTwoEndsWithTheLogDialog) {
   screen.width = 1024;
   screen.height = 768;
   screen.font_metric = 20;  // 1.05 in single precision times 20 truncates to 20, not 21
@@ -70,20 +70,17 @@ TEST_F(Channels, WindowOpensWithItsGeometryTitleAndLineHeight) {
             (std::array{5, 486, 89, 350, 450, 30001}));
   EXPECT_EQ(w.title.str(), std::string(title, 80));
   EXPECT_EQ(screen.fonts, std::vector<FontDescription>{{1, 0, 0, 0, 0, 0, -1, -1}});
-  EXPECT_EQ(WSTRLOC.wheight, 20);
-  print("first");
-  EXPECT_EQ(screen.drawn[0].x, 100);
-  EXPECT_EQ(screen.drawn[0].y, 20);
-}
+  const int h = 20;
+  EXPECT_EQ(WSTRLOC.wheight, h);
 
-TEST_F(Channels, FortyFirstLineStartsPageTwoAndTheEndShowsTheLogDialog) {
-  init(LF_FLAG_WINDOW | LF_FLAG_PRINT);
-  const int h = WSTRLOC.wheight;
+  // The forty-first line starts page two.
   std::string log;
   for (int i = 1; i <= 40; ++i) {
     print("line " + std::to_string(i));
     log += "line " + std::to_string(i) + "\r\n";
   }
+  EXPECT_EQ(screen.drawn[0].x, 100);
+  EXPECT_EQ(screen.drawn[0].y, h);
   EXPECT_EQ(WSTRLOC.wy, 40 * h);
   EXPECT_EQ(screen.clears, 0);
   print("line 41");
@@ -161,8 +158,8 @@ TEST_F(Channels, EscapeStopsTheIterationOnlyWhenItReachesTheFront) {
   itrupt(flag);
   EXPECT_EQ(flag, 1);
   EXPECT_EQ(printed, std::vector<std::string>{"Calculation Termination!......"});
-  EXPECT_EQ(screen.fonts, (std::vector<FontDescription>{{1, 0, 0, 0, 0, 0, 9, 15},
-                                                         {1, 0, 0, 0, 0, 0, 0, 15}}));
+  EXPECT_EQ(screen.fonts,
+            (std::vector<FontDescription>{{1, 0, 0, 0, 0, 0, 9, 15}, {1, 0, 0, 0, 0, 0, 0, 15}}));
   itrupt(flag);
   EXPECT_EQ(flag, 0);
 
