@@ -69,7 +69,7 @@ TEST_F(Channels, WindowOpensWithItsGeometryAndPageTwoEndsWithTheLogDialog) {
   EXPECT_EQ((std::array{w.flags, w.x, w.y, w.width, w.height, w.kind}),
             (std::array{5, 486, 89, 350, 450, 30001}));
   EXPECT_EQ(w.title.str(), std::string(title, 80));
-  EXPECT_EQ(screen.fonts, std::vector<FontDescription>{{1, 0, 0, 0, 0, 0, -1, -1}});
+  EXPECT_EQ(screen.fonts, (std::vector<FontDescription>{{1, 0, 0, 0, 0, 0, -1, -1}}));
   const int h = 20;
   EXPECT_EQ(WSTRLOC.wheight, h);
 

@@ -94,7 +94,9 @@ TEST_P(ModesTest, FileAndDatabaseGiveTheSameSolution) {
     std::string where = l[0] == l[1]
                             ? " FROM cp WHERE ibs = " + i + " AND cpno = " + no
                             : " FROM ln WHERE ibs = " + i + " AND zbs = " + j + " AND lnno = " + no;
-    if (l[0] != l[1]) EXPECT_NEAR(number("SELECT wz" + where), l[5], 2e-4) << where;
+    if (l[0] != l[1]) {
+      EXPECT_NEAR(number("SELECT wz" + where), l[5], 2e-4) << where;
+    }
     EXPECT_NEAR(number("SELECT w" + where), l[3], 2e-4) << where;
     EXPECT_NEAR(number("SELECT r" + where), l[4], 2e-4) << where;
   }
