@@ -53,10 +53,8 @@ TEST(Mismatch, FixedVoltageBusGivesComputedPowerToTheRowWithOutput) {
   glpos();
   inivpq();
   Arr<double> pc(2), qc(2), dp(2), dq(2);
-  pc[1] = -0.4;
-  pc[2] = 0.25;
-  qc[1] = 0.05;
-  qc[2] = 0.15;
+  pc[1] = -0.4, pc[2] = 0.25;
+  qc[1] = 0.05, qc[2] = 0.15;
   VPQ.PDC[2] = 0.01;
   mismatch_p(2, pc, dp);
   EXPECT_EQ(dp[1], 0);
@@ -84,12 +82,8 @@ TEST(Mismatch, VoltageDependentLoad) {
   LFINF.ngenerat = 0;
   LFINF.nload = 1;
   load(1, 2, 3, 0.4, 0.2, 1.1);
-  ABCLC.ap[3] = 0.5;
-  ABCLC.bp[3] = 0.3;
-  ABCLC.cp[3] = 0.2;
-  ABCLC.aq[3] = 1;
-  ABCLC.bq[3] = 0;
-  ABCLC.cq[3] = 0;
+  ABCLC.ap[3] = 0.5, ABCLC.bp[3] = 0.3, ABCLC.cp[3] = 0.2;
+  ABCLC.aq[3] = 1, ABCLC.bq[3] = 0, ABCLC.cq[3] = 0;
   glpos();
   inivpq();
   VPQ.V[2] = 0.99;

@@ -31,22 +31,13 @@ inline int count(const std::string& line) {
 // rows, bus 2 load rows.  Rows are given by the test.
 inline void two_bus(double g, double b) {
   NO.nnode = 2;
-  NEW[1] = 1;
-  NEW[2] = 2;
-  IOU[1] = 1;
-  IOU[2] = 0;
-  Y.IY[1] = 1;
-  Y.IY[2] = 3;
-  Y.IY[3] = 4;
-  Y.JY[1] = 1;
-  Y.JY[2] = 2;
-  Y.JY[3] = 2;
-  Y.YG[1] = g;
-  Y.YB[1] = b;
-  Y.YG[2] = -g;
-  Y.YB[2] = -b;
-  Y.YG[3] = g;
-  Y.YB[3] = b;
+  NEW[1] = 1, NEW[2] = 2;
+  IOU[1] = 1, IOU[2] = 0;
+  Y.IY[1] = 1, Y.IY[2] = 3, Y.IY[3] = 4;
+  Y.JY[1] = 1, Y.JY[2] = 2, Y.JY[3] = 2;
+  Y.YG[1] = g, Y.YB[1] = b;
+  Y.YG[2] = -g, Y.YB[2] = -b;
+  Y.YG[3] = g, Y.YB[3] = b;
 }
 
 inline void gen(int32_t row, int32_t bus, int32_t type, double p, double q, double v,
