@@ -5,12 +5,41 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace lf {
+
+// Storage for arrays of numbers: memory comes zeroed from calloc, so a large
+// array costs nothing until it is touched (the system hands out zero pages),
+// and a new element is not written again since it is zero already.  The
+// arrays below keep the spare room behind their last element zero.
+template <typename T>
+struct ZeroAlloc {
+  using value_type = T;
+  ZeroAlloc() = default;
+  template <typename U>
+  ZeroAlloc(const ZeroAlloc<U>&) {}  // NOLINT: rebinding
+  T* allocate(std::size_t n) {
+    void* p = std::calloc(n, sizeof(T));
+    if (!p) throw std::bad_alloc();
+    return static_cast<T*>(p);
+  }
+  void deallocate(T* p, std::size_t) { std::free(p); }
+  template <typename U>
+  void construct(U*) {}
+  template <typename U, typename... A>
+  void construct(U* p, A&&... a) {
+    ::new (static_cast<void*>(p)) U(std::forward<A>(a)...);
+  }
+  bool operator==(const ZeroAlloc&) const = default;
+};
 
 // A 1-based array: valid indices are 1..size(); index 0 exists but is unused.
 // grow() keeps the contents and fills the new tail with T{} (zero or blanks).
@@ -19,6 +48,14 @@ class Arr {
  public:
   Arr() : v_(1) {}
   explicit Arr(std::size_t n) : v_(n + 1) {}
+  Arr(const Arr&) = default;
+  Arr(Arr&&) = default;
+  // A fresh copy, so that no stale values stay in spare room.
+  Arr& operator=(const Arr& o) {
+    if (this != &o) Arr(o).v_.swap(v_);
+    return *this;
+  }
+  Arr& operator=(Arr&&) = default;
 
   T& operator[](std::ptrdiff_t i) {
     assert(i >= 0 && static_cast<std::size_t>(i) < v_.size());
@@ -37,7 +74,10 @@ class Arr {
     if (n + 1 > v_.size()) v_.resize(n + 1);
   }
   // Sets the size to exactly n, keeping the first min(size, n) elements.
-  void resize(std::size_t n) { v_.resize(n + 1); }
+  void resize(std::size_t n) {
+    if (n < size()) std::fill(v_.begin() + static_cast<std::ptrdiff_t>(n) + 1, v_.end(), T{});
+    v_.resize(n + 1);
+  }
   // Sets elements 1..n (at most size()) to T{}.
   void clear(std::size_t n) { std::fill_n(v_.begin() + 1, std::min(n, size()), T{}); }
   void fill(const T& x) { std::fill(v_.begin() + 1, v_.end(), x); }
@@ -46,7 +86,8 @@ class Arr {
   const T* data() const { return v_.data(); }
 
  private:
-  std::vector<T> v_;
+  using Alloc = std::conditional_t<std::is_arithmetic_v<T>, ZeroAlloc<T>, std::allocator<T>>;
+  std::vector<T, Alloc> v_;
 };
 
 // N bytes of text, blank padded, without a terminator.
