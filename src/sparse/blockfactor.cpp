@@ -27,6 +27,7 @@ struct Scratch {
   std::vector<Link> link;
   std::vector<int32_t> start;  // refactorisation: first of each column in above
   std::vector<Link> above;     // refactorisation: the entries of U by column
+  BlockWork work{0};
   void room(std::size_t q) {
     if (q < val.size()) return;
     const std::size_t want = std::max(q + 1, 2 * val.size());
@@ -47,14 +48,16 @@ struct Matrix {
 };
 
 // Loads the entries of column i on and below the diagonal into side 0 of the
-// work row and those of row i right of the diagonal into side 1.
+// work row and those of row i right of the diagonal into side 1.  With
+// Discover their indices join the patterns; without, the work row already
+// holds the pattern of the factor, which covers the matrix's.
 template <bool Discover>
 void load(const Matrix& A, int32_t i, BlockWork& w) {
   if (const int32_t start = A.chfirst[i]; start != 0) {
     int32_t p = start, row = A.chfirstrow[i];
     do {
       if (Discover) w.enter(0, row);
-      if (w.has(0, row)) w.set(0, row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+      w.set(0, row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
       row = A.chrow[p];
       p = A.chpos[p];
     } while (p != start && p != 0);
@@ -64,7 +67,7 @@ void load(const Matrix& A, int32_t i, BlockWork& w) {
   for (int32_t p = from; p < end; ++p) {
     const int32_t c = A.ja[p];
     if (Discover) w.enter(1, c);
-    if (w.has(1, c)) w.set(1, c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+    w.set(1, c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
   }
 }
 
@@ -222,7 +225,8 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
   // The columns of the positions, as found.
   std::vector<int32_t> col(f.val.size(), 0);
 
-  BlockWork w(n);
+  BlockWork& w = f.work;
+  w.fit(n);
   // Per column: first and last entry stored so far above the diagonal.
   std::vector<int32_t> first(rows, 0), firstrow(rows, 0), lastpos(rows, 0);
   std::vector<int32_t> cols;
@@ -326,15 +330,15 @@ void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int3
   for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
   start[0] = 0;
 
-  BlockWork w(n);
+  BlockWork& w = f.work;
+  w.fit(n);
   for (int32_t i = 1; i <= n; ++i) {
     const int32_t q = il[i];
     const int32_t count = il[i + 1] - q - 1;
-    w.begin();
-    w.enter(0, i);
+    w.zero(0, i);
     for (int32_t s = q + 1; s <= q + count; ++s) {
-      w.enter(0, jl[s]);
-      w.enter(1, ju[s]);
+      w.zero(0, jl[s]);
+      w.zero(1, ju[s]);
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);
