@@ -25,8 +25,9 @@ struct Link {
 struct Scratch {
   std::vector<BlockEntry> val;
   std::vector<Link> link;
-  std::vector<int32_t> start;  // refactorisation: first of each column in above
-  std::vector<Link> above;     // refactorisation: the entries of U by column
+  std::vector<int32_t> start;                   // refactorisation: first of each column in above
+  std::vector<Link> above;                      // refactorisation: the entries of U by column
+  std::vector<int32_t> pattern_il, pattern_ju;  // the pattern that above was laid out for
   BlockWork work{0};
   void room(std::size_t q) {
     if (q < val.size()) return;
@@ -148,6 +149,34 @@ void hand_out(const Scratch& f, int32_t used, Arr<double>& la, Arr<double>& lb, 
     pla[s] = l[0], plb[s] = l[1], plc[s] = l[2], pld[s] = l[3];
     pua[s] = u[0], pub[s] = u[1], puc[s] = u[2], pud[s] = u[3];
   }
+}
+
+// Lays out the entries of U by column, with their rows, ascending, in
+// f.above from f.start[c]: the column chains of U (and row chains of L) in the
+// order they run, laid out flat so that the positions can be fetched ahead
+// instead of one hop at a time.  A refactorisation on the pattern of the call
+// before finds the layout made already.
+void by_column(Scratch& f, int32_t n, const int32_t* il, const int32_t* ju, int32_t used) {
+  const std::size_t rows = static_cast<std::size_t>(n) + 2;
+  const std::size_t ents = static_cast<std::size_t>(used) + 1;
+  if (f.pattern_il.size() == rows && f.pattern_ju.size() == ents &&
+      std::equal(il + 1, il + rows, f.pattern_il.begin() + 1) &&
+      std::equal(ju + 1, ju + ents, f.pattern_ju.begin() + 1))
+    return;
+  f.pattern_il.assign(il, il + rows);
+  f.pattern_ju.assign(ju, ju + ents);
+  std::vector<int32_t>& start = f.start;
+  std::vector<Link>& above = f.above;
+  start.assign(rows, 0);
+  above.resize(static_cast<std::size_t>(used));
+  for (int32_t k = 1; k <= n; ++k)
+    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
+  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
+  for (int32_t k = 1; k <= n; ++k)
+    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s)
+      above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
+  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
+  start[0] = 0;
 }
 
 Matrix matrix_of(const Arr<int32_t>& ia, const Arr<int32_t>& ja, const Arr<int32_t>& chfirst,
@@ -314,21 +343,9 @@ void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int3
   const int32_t used = il[n + 1] - 1;
   Scratch& f = scratch();
   f.room(static_cast<std::size_t>(used));
-  // The entries of U by column, with their rows, ascending: the column
-  // chains of U (and row chains of L) in the order they run, laid out flat so
-  // that the positions can be fetched ahead instead of one hop at a time.
-  std::vector<int32_t>& start = f.start;
-  std::vector<Link>& above = f.above;
-  start.assign(static_cast<std::size_t>(n) + 2, 0);
-  above.resize(static_cast<std::size_t>(used));
-  for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
-  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
-  for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s)
-      above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
-  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
-  start[0] = 0;
+  by_column(f, n, il.data(), ju.data(), used);
+  const std::vector<int32_t>& start = f.start;
+  const std::vector<Link>& above = f.above;
 
   BlockWork& w = f.work;
   w.fit(n);
