@@ -26,17 +26,10 @@ using Ybus = std::map<std::pair<int, int>, cplx>;
 const std::string kData = std::string(LF_TEST_DATA_DIR) + "/matpower/";
 
 // The numeric rows of "mpc.NAME = [ ... ];", comments taken out.
-Rows matpower_rows(const std::string& raw, const std::string& name) {
+Rows matpower_rows(std::string text, const std::string& name) {
   // A row may go on in the next line behind "...".
-  std::string text;
-  for (std::size_t c = 0; c < raw.size(); ++c) {
-    if (raw.compare(c, 3, "...") == 0) {
-      c = raw.find('\n', c);
-      text += ' ';
-      continue;
-    }
-    text += raw[c];
-  }
+  for (std::size_t c; (c = text.find("...")) != std::string::npos;)
+    text.replace(c, text.find('\n', c) + 1 - c, 1, ' ');
   const std::size_t at = text.find(std::string("mpc.").append(name).append(" = ["));
   EXPECT_NE(at, std::string::npos) << name;
   std::istringstream in(text.substr(text.find('[', at) + 1));
