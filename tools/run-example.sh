@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Builds the engine and its host and solves a bundled example case.
+#   tools/run-example.sh                      the IEEE 14-bus system
+#   tools/run-example.sh examples/dclink/DCLINK [lfrun options]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash tools/install-deps.sh
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
+cmake --build build -j "$(nproc)" --target lfrun mp2lf lfdb lfstatus >/dev/null
+case_stem=${1:-examples/ieee14/IEEE14}
+shift || true
+build/lfrun "$@" "$case_stem"
