@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
 
 #include "engine/channels.hpp"
@@ -17,19 +16,15 @@ using Driver = EngineTest;
 
 TEST_F(Driver, CaseNamesComeFromNameIncOrTheDefaults) {
   read_names();
-  EXPECT_EQ(casename.trimmed(), "LF");
-  EXPECT_EQ(datalibname.trimmed(), "DATALIB");
-  EXPECT_EQ(udlibname.trimmed(), "UDLIB");
-  const std::string long_name(70, 'n');
-  write_file("NAME.INC", "1\nMYCASE\nskipped\nlib/DATA\n5\n6\n7\n8\n" + long_name + "\n");
+  EXPECT_EQ(casename.trimmed() + datalibname.trimmed() + udlibname.trimmed(), "LFDATALIBUDLIB");
+  write_file("NAME.INC", "1\nMYCASE\nskipped\nlib/DATA\n5\n6\n7\n8\n" + std::string(70, 'n'));
   read_names();
   EXPECT_EQ(casename.str(), "MYCASE" + std::string(54, ' '));
   EXPECT_EQ(datalibname.trimmed(), "lib/DATA");
   EXPECT_EQ(udlibname.str(), std::string(60, 'n'));
   write_file("NAME.INC", "1\nSHORT\n");
   read_names();
-  EXPECT_EQ(casename.trimmed(), "SHORT");
-  EXPECT_EQ(datalibname.trimmed(), "DATALIB");
+  EXPECT_EQ(casename.trimmed() + datalibname.trimmed(), "SHORTDATALIB");
 }
 
 TEST_F(Driver, CalculationMakesTheErrorListAnewAndEndsWithTimeAndClosingLines) {
@@ -37,13 +32,14 @@ TEST_F(Driver, CalculationMakesTheErrorListAnewAndEndsWithTimeAndClosingLines) {
   init(LF_FLAG_PRINT);
   EXPECT_EQ(cal(LF_FLAG_PRINT), 0);  // converged
   EXPECT_EQ(read_file("LFERR.LIS"), " ****** Operation Error Information ******\n");
+  EXPECT_EQ(read_file("LF.L2"), "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");  // no branch changed
   for (const std::string& line : printed) EXPECT_EQ(line.find("old trouble"), std::string::npos);
   ASSERT_GE(printed.size(), 2u);
   EXPECT_EQ(printed[printed.size() - 2], " elapsed   0:m  0:s");
   EXPECT_EQ(printed.back(), "End of Program.  Please Close the Window....");
 }
 
-TEST_F(Driver, MethodAboveFourIsStoredBackAsZeroAndNegativeOnesStay) {
+TEST_F(Driver, MethodAboveFourIsStoredBackAsZeroAndAreasStayAfterNoConvergence) {
   init(0);
   write_two_bus_case(7);
   EXPECT_EQ(cal(0), 0);
@@ -51,17 +47,10 @@ TEST_F(Driver, MethodAboveFourIsStoredBackAsZeroAndNegativeOnesStay) {
   write_two_bus_case(-1);
   EXPECT_EQ(cal(0), 0);
   EXPECT_EQ(LFINF.method, -1);
-  write_two_bus_case(0, 1);
-  EXPECT_EQ(cal(0), 1);  // not converged within one iteration
-}
-
-TEST_F(Driver, AreasAreNotReadjustedAfterARunThatDidNotConverge) {
   write_two_bus_case(0, 1, 1);
-  init(LF_FLAG_PRINT);
-  EXPECT_EQ(cal(LF_FLAG_PRINT), 1);
+  EXPECT_EQ(cal(LF_FLAG_PRINT), 1);  // not converged within one iteration
   auto at = std::find(printed.begin(), printed.end(), "Load Flow Calculation Is Not Convergent");
-  ASSERT_NE(at, printed.end());
-  ASSERT_NE(at + 1, printed.end());
+  ASSERT_LT(at + 1, printed.end());
   EXPECT_EQ(at[1], "Area Interchange Will Not Be Readjusted");
 }
 
@@ -74,17 +63,13 @@ TEST_F(Driver, ErrorListIsPrintedFramedAndOnlyWhenItHoldsLines) {
   errlist_write("second trouble");
   serror();
   errlist_close();
-  ASSERT_EQ(printed.size(), 4u);
-  EXPECT_EQ(printed[0], "    ****** Operation Error Information ******");
-  EXPECT_EQ(printed[1], "first trouble");
-  EXPECT_EQ(printed[2], "second trouble");
-  EXPECT_EQ(printed[3], "    *****************************************");
-  // The window gets the lines as they went out: framing 49 wide, the list's
-  // lines 80 wide.
+  EXPECT_EQ(printed, (std::vector<std::string>{"    ****** Operation Error Information ******",
+                                               "first trouble", "second trouble",
+                                               "    *****************************************"}));
+  // The window gets the framing 49 wide, the list's lines 80 wide.
   ASSERT_EQ(screen.drawn.size(), 4u);
   EXPECT_EQ(screen.drawn[0].text.size(), 49u);
   EXPECT_EQ(screen.drawn[1].text, "first trouble" + std::string(67, ' '));
-  EXPECT_EQ(screen.drawn[3].text.size(), 49u);
   EXPECT_EQ(read_file("LFERR.LIS"),
             " ****** Operation Error Information ******\nfirst trouble\nsecond trouble\n");
 }
@@ -92,14 +77,8 @@ TEST_F(Driver, ErrorListIsPrintedFramedAndOnlyWhenItHoldsLines) {
 TEST_F(Driver, MagnetisingBranchesOnlyForTransformersWithAnImpedance) {
   grow_branches(4);
   LFINF.nacline = 2;
-  LFINF.ntrans = 0;
-  dwrmxm();
-  EXPECT_EQ(NO.nbranch, 2);
   LFINF.ntrans = 2;
-  IJB.I[3] = 5;
-  IJB.J[3] = 6;
   IJB.I[4] = 7;
-  IJB.J[4] = 8;
   L3PP.grow(2);
   L3PP.Rm[1] = 9e-12;
   L3PP.Xm[1] = -9e-12;
@@ -110,9 +89,7 @@ TEST_F(Driver, MagnetisingBranchesOnlyForTransformersWithAnImpedance) {
   EXPECT_EQ(IJB.I[5], 7);
   EXPECT_EQ(IJB.J[5], 7);
   EXPECT_EQ(IJB.No[5], 0);
-  EXPECT_EQ(RXB.R[5], 0.0);
   EXPECT_EQ(RXB.X[5], -0.5);
-  EXPECT_EQ(RXB.B[5], 0.0);
   EXPECT_EQ(RXB.T[5], 1.0);
   L3PP.Xm[2] = 1e-12;
   dwrmxm();
@@ -149,15 +126,6 @@ TEST_F(Driver, BranchFilesAreRewrittenRowByRowWithTheChangedValues) {
             "  1,  -4,   5,   1,      0.002500,      0.062500,      1.050000,      0.100000,"
             "      0.200000,  1,  2,  3,  4,   5,   6,      0.300000,      0.400000,      0.500000,"
             "   7, 8, 9,10,\n");
-}
-
-TEST_F(Driver, BranchFilesAreLeftAloneWithoutChangedBranchData) {
-  write_file("LF.L2", "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");
-  CL23 = 0;
-  int32_t convergent = 0;
-  newlf(convergent);
-  EXPECT_EQ(read_file("LF.L2"), "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");
-  EXPECT_EQ(MARKL23, 0);
 }
 
 }  // namespace

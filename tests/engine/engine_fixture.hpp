@@ -2,15 +2,26 @@
 // a headless screen, and a host callback that collects the lines.
 #pragma once
 
+#include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "engine/msglink.hpp"
 #include "lfengine.h"
 #include "toolkit/headless.hpp"
+#include "toolkit/toolkit.hpp"
 
 namespace lf::test {
 
@@ -21,52 +32,88 @@ inline int collect(const char* line) {
   return 0;
 }
 
-// Writes a file with the given text.
-void write_file(const std::filesystem::path& path, const std::string& text);
-std::string read_file(const std::filesystem::path& path);
+inline void write_file(const std::filesystem::path& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+inline std::string read_file(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
 
 // Writes the case LF.*: two buses, one line, a slack generator and a load,
 // solved by the given method within the given number of iterations, with
 // or without area interchange control.
-void write_two_bus_case(int method, int iterations = 20, int ctrl_area = 0);
+inline void write_two_bus_case(int method, int iterations = 20, int ctrl_area = 0) {
+  write_file("LF.L0", "2 1 0 0 1 1 0 0 0 0 0\n100.0 1.1 0.9 0.0001 " + std::to_string(method) +
+                          " " + std::to_string(iterations) + " " + std::to_string(ctrl_area) +
+                          " 0 0 0\n");
+  write_file("LF.L1", "'BUS1' 110.0 1 121.0 99.0\n'BUS2' 110.0 1 121.0 99.0\n");
+  write_file("LF.L2", "1 1 2 1 0.01 0.1 0.0 0 0 0 0 0 0.0\n");
+  write_file("LF.L5", "1 1 0 0.0 0.0 1.0 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n");
+  write_file("LF.L6", "1 2 1 1 0.5 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+}
+
+inline sockaddr_in link_address() {
+  sockaddr_in a{};
+  a.sin_family = AF_INET;
+  a.sin_port = htons(SERV_PORT);
+  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  return a;
+}
 
 // Holds the link's loopback port for the life of the object: tests of other
 // builds on this machine that use the port wait instead of colliding.
-class PortLock {
- public:
-  PortLock();
-  ~PortLock();
+struct PortLock {
+  int fd = ::open((std::filesystem::temp_directory_path() / "lfengine-link-port.lock").c_str(),
+                  O_RDWR | O_CREAT, 0666);
+  PortLock() {
+    if (fd >= 0) ::flock(fd, LOCK_EX);
+  }
+  ~PortLock() {
+    if (fd >= 0) ::close(fd);
+  }
   PortLock(const PortLock&) = delete;
   PortLock& operator=(const PortLock&) = delete;
-
- private:
-  int fd_;
-};
-
-// Binds the link's port without listening, so that a connection to it is
-// refused; held() is false when another program has the port.
-class ClosedPort {
- public:
-  ClosedPort();
-  ~ClosedPort();
-  ClosedPort(const ClosedPort&) = delete;
-  ClosedPort& operator=(const ClosedPort&) = delete;
-  bool held() const { return held_; }
-
- private:
-  int fd_;
-  bool held_ = false;
 };
 
 class EngineTest : public ::testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  void SetUp() override {
+    home = std::filesystem::current_path();
+    dir = std::filesystem::temp_directory_path() /
+          ("lfengine_test_" + std::to_string(getpid()) + "_" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    std::filesystem::current_path(dir);
+    write_two_bus_case(0);
+    printed.clear();
+    set_toolkit_backend(&screen);
+  }
+  void TearDown() override {
+    set_toolkit_backend(nullptr);
+    std::filesystem::current_path(home);
+    std::filesystem::remove_all(dir);
+  }
 
   // LFInit with the given flags, no database, the collecting callback.
-  int init(int flags, const char* title = "Load Flow");
+  int init(int flags, const char* title = "Load Flow") {
+    char text[80];
+    std::memset(text, 'x', sizeof text);
+    std::strcpy(text, title);
+    int session = 0, mode = 0;
+    intptr_t callback = reinterpret_cast<intptr_t>(&collect);
+    return LFInit(&flags, text, &session, &callback, &mode);
+  }
   int cal(int flags) { return LFCal(&flags); }
-  void print(const std::string& text);
+  void print(const std::string& text) {
+    char buffer[80] = {};
+    std::memcpy(buffer, text.data(), std::min<std::size_t>(text.size(), 79));
+    LFPstring(buffer);
+  }
 
   HeadlessScreen screen;
   std::filesystem::path home, dir;

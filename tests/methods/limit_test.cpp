@@ -11,44 +11,24 @@ namespace lf {
 namespace {
 using namespace test;
 
-// Six buses numbered as they come, each with its rows; VPQ as if converged.
-class Limit : public ::testing::Test {
- protected:
-  void SetUp() override {
-    NO.nnode = 6;
-    for (int i = 1; i <= 6; ++i) {
-      NEW[i] = i;
-      qc[i] = 0;
-    }
-  }
-  void limits_gen(int32_t row, double qmin, double qmax) {
-    L5P.Qmin[row] = qmin;
-    L5P.Qmax[row] = qmax;
-  }
-  void limits_load(int32_t row, double qmin, double qmax) {
-    L6P.Qmin[row] = qmin;
-    L6P.Qmax[row] = qmax;
-  }
-  void run() {
-    glpos();
-    inivpq();
-  }
-  Arr<double> qc{6};
-};
-
-TEST_F(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
+TEST(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
+  // Six buses numbered as they come, each with its rows; VPQ as if converged.
+  NO.nnode = 6;
+  for (int i = 1; i <= 6; ++i) NEW[i] = i;
+  Arr<double> qc(6);
   LFINF.ngenerat = 2;
   LFINF.nload = 3;
   gen(1, 1, -2, 0.5, 0, 1.02);
-  limits_gen(1, -0.2, 0.3);
+  L5P.Qmin[1] = -0.2, L5P.Qmax[1] = 0.3;
   load(1, 1, 1, 0.4, 0.1);  // turns to -2 in glpos, to 1 with the generator
   gen(2, 2, -2, 0.5, 0, 1.02);
-  limits_gen(2, -0.2, 0.3);
+  L5P.Qmin[2] = -0.2, L5P.Qmax[2] = 0.3;
   load(2, 3, -2, 0.1, 0.0, 1.0);  // no generator: tested on -qc
-  limits_load(2, -0.1, 0.1);
+  L6P.Qmin[2] = -0.1, L6P.Qmax[2] = 0.1;
   load(3, 2, -2, 0.1, 0.0, 1.0);  // left to bus 2's generator
-  limits_load(3, 0.5, 0.6);
-  run();
+  L6P.Qmin[3] = 0.5, L6P.Qmax[3] = 0.6;
+  glpos();
+  inivpq();
   VPQ.QG[1] = 0.35;
   VPQ.QG[2] = -0.2;  // exactly at Qmin: inside
   qc[2] = 5;

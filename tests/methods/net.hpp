@@ -1,33 +1,43 @@
 // Small networks and rows set up by hand for the tests of the methods.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <string>
+#include <vector>
 
+#include "engine/channels.hpp"
 #include "engine/store.hpp"
 #include "sparse/ymatrix.hpp"
 
 namespace lf::test {
 
+// The lines the iterations print, kept in order.
+inline std::vector<std::string> lines;
+inline int keep_line(const char* line) {
+  lines.emplace_back(line);
+  return 0;
+}
+inline void capture_lines() {
+  lines.clear();
+  prnon = 1;
+  prnfunc = reinterpret_cast<intptr_t>(&keep_line);
+}
+inline int count(const std::string& line) {
+  return static_cast<int>(std::count(lines.begin(), lines.end(), line));
+}
+
 // Two buses joined by one branch, numbered as they come: bus 1 generator
 // rows, bus 2 load rows.  Rows are given by the test.
 inline void two_bus(double g, double b) {
   NO.nnode = 2;
-  NEW[1] = 1;
-  NEW[2] = 2;
-  IOU[1] = 1;
-  IOU[2] = 0;
-  Y.IY[1] = 1;
-  Y.IY[2] = 3;
-  Y.IY[3] = 4;
-  Y.JY[1] = 1;
-  Y.JY[2] = 2;
-  Y.JY[3] = 2;
-  Y.YG[1] = g;
-  Y.YB[1] = b;
-  Y.YG[2] = -g;
-  Y.YB[2] = -b;
-  Y.YG[3] = g;
-  Y.YB[3] = b;
+  NEW[1] = 1, NEW[2] = 2;
+  IOU[1] = 1, IOU[2] = 0;
+  Y.IY[1] = 1, Y.IY[2] = 3, Y.IY[3] = 4;
+  Y.JY[1] = 1, Y.JY[2] = 2, Y.JY[3] = 2;
+  Y.YG[1] = g, Y.YB[1] = b;
+  Y.YG[2] = -g, Y.YB[2] = -b;
+  Y.YG[3] = g, Y.YB[3] = b;
 }
 
 inline void gen(int32_t row, int32_t bus, int32_t type, double p, double q, double v,

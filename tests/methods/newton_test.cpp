@@ -13,9 +13,7 @@
 
 #include "engine/channels.hpp"
 #include "engine/store.hpp"
-#include "methods/iteration.hpp"
 #include "methods/net.hpp"
-#include "methods/newton_frame.hpp"
 #include "methods/vpq.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
@@ -24,12 +22,7 @@
 
 namespace lf {
 namespace {
-
-std::vector<std::string> lines;
-int collect(const char* line) {
-  lines.emplace_back(line);
-  return 0;
-}
+using test::lines;
 
 // The solution of the network (per unit, degrees, generator outputs),
 // solved independently in polar coordinates to a mismatch of 1e-15: with the
@@ -91,19 +84,13 @@ void load_case(double tolerance, int32_t iteration, int32_t gen2_type = -1, int 
   for (int b = 1; b <= nbus; ++b) {
     L1.busname[b] =
         copies == 1 ? std::string(names[b - 1]) : names[(b - 1) % 4] + std::to_string((b - 1) / 4);
-    NNTOON[b] = b;
-    LL1.busvmax[b] = 1.1;
-    LL1.busvmin[b] = 0.9;
+    NNTOON[b] = b, LL1.busvmax[b] = 1.1, LL1.busvmin[b] = 0.9;
   }
   int k = 0;
   auto branch = [&k](int i, int j, double r, double x, double b) {
     ++k;
-    IJB.I[k] = i;
-    IJB.J[k] = j;
-    RXB.R[k] = r;
-    RXB.X[k] = x;
-    RXB.B[k] = b;
-    RXB.T[k] = 1;
+    IJB.I[k] = i, IJB.J[k] = j;
+    RXB.R[k] = r, RXB.X[k] = x, RXB.B[k] = b, RXB.T[k] = 1;
   };
   for (int c = 0; c < copies; ++c) {
     for (const Branch& l : kLines) branch(4 * c + l.i, 4 * c + l.j, l.r, l.x, l.b);
@@ -116,10 +103,7 @@ void load_case(double tolerance, int32_t iteration, int32_t gen2_type = -1, int 
     test::gen(2 * c + 2, 4 * c + 2, gen2_type, 0.5, 0, 1.02);
     test::load(2 * c + 1, 4 * c + 3, 1, 0.8, 0.3);
     test::load(2 * c + 2, 4 * c + 4, load4_type, 0.4, 0.15);
-    for (int g = 2 * c + 1; g <= 2 * c + 2; ++g) {
-      L5P.Qmax[g] = 0.4;
-      L5P.Qmin[g] = -0.4;
-    }
+    for (int g = 2 * c + 1; g <= 2 * c + 2; ++g) L5P.Qmax[g] = 0.4, L5P.Qmin[g] = -0.4;
   }
   ABCLC.ap[2] = 0.3, ABCLC.bp[2] = 0.3, ABCLC.cp[2] = 0.4;
   ABCLC.aq[2] = 0.5, ABCLC.bq[2] = 0.2, ABCLC.cq[2] = 0.3;
@@ -131,11 +115,7 @@ void load_case(double tolerance, int32_t iteration, int32_t gen2_type = -1, int 
 
 class NewtonTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    lines.clear();
-    prnon = 1;
-    prnfunc = reinterpret_cast<intptr_t>(&collect);
-  }
+  void SetUp() override { test::capture_lines(); }
   void TearDown() override { prnfunc = 0; }
 
   static void expect_solution(const Solution& s, double tol) {
@@ -235,95 +215,6 @@ std::vector<std::pair<int, std::string>> rows_of(const std::vector<std::string>&
   return rows;
 }
 
-int count(const std::vector<std::string>& text, const std::string& line) {
-  return static_cast<int>(std::count(text.begin(), text.end(), line));
-}
-
-// The Jacobian, dense over the equations and unknowns of the buses.
-struct Dense {
-  int n;
-  std::vector<double> a;
-  explicit Dense(int n) : n(n), a(4 * n * n, 0.0) {}
-  double& at(int r, int c) { return a[(r - 1) * 2 * n + (c - 1)]; }
-};
-
-TEST_F(NewtonTest, JacobiansAreTheDerivativesOfTheirMismatches) {
-  load_case(1e-9, 20);
-  glpos();
-  inivpq();
-  NewtonWork& w = newton_work();
-  const int n = w.n;
-  // A point away from the solution; the slack bus keeps its voltage.
-  for (int i = 1; i <= n; ++i) {
-    if (slack_bus(i)) continue;
-    VPQ.E[i] = 0.97 + 0.011 * i;
-    VPQ.F[i] = -0.03 * i;
-  }
-  // The mismatches of both forms at the present E, F (V follows them).
-  auto mismatches = [&](bool current, std::vector<double>& d) {
-    for (int i = 1; i <= n; ++i) VPQ.V[i] = std::hypot(VPQ.E[i], VPQ.F[i]);
-    allbpq(3, n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
-    if (current) {
-      for (int i = 1; i <= n; ++i) w.D1[i] = w.PC[i], w.D2[i] = w.QC[i];
-      iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
-    } else {
-      power_mismatch(w);
-      formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
-    }
-    d.assign(2 * n, 0);
-    for (int i = 1; i <= n; ++i) d[2 * i - 2] = w.D1[i], d[2 * i - 1] = w.D2[i];
-  };
-  for (bool current : {false, true}) {
-    SCOPED_TRACE(current ? "current equations" : "power equations");
-    std::vector<double> d, dp, dm;
-    mismatches(current, d);
-    Dense jac(n);
-    for (int i = 1; i <= n; ++i) {
-      for (int k = w.IA[i]; k < w.IA[i + 1]; ++k) {
-        const int j = w.JA[k];
-        jac.at(2 * i - 1, 2 * j - 1) = w.AA[k];
-        jac.at(2 * i - 1, 2 * j) = w.AB[k];
-        jac.at(2 * i, 2 * j - 1) = w.AC[k];
-        jac.at(2 * i, 2 * j) = w.AD[k];
-      }
-    }
-    const double h = 1e-6;
-    for (int j = 1; j <= n; ++j) {
-      if (slack_bus(j)) continue;
-      for (int part = 0; part < 2; ++part) {
-        Arr<double>& x = part == 0 ? VPQ.E : VPQ.F;
-        x[j] += h;
-        mismatches(current, dp);
-        x[j] -= 2 * h;
-        mismatches(current, dm);
-        x[j] += h;
-        for (int i = 1; i <= n; ++i) {
-          if (slack_bus(i)) continue;
-          for (int eq = 0; eq < 2; ++eq) {
-            const int r = 2 * i - 1 + eq;
-            EXPECT_NEAR(jac.at(r, 2 * j - 1 + part), (dp[r - 1] - dm[r - 1]) / (2 * h), 1e-6)
-                << "row " << r << " bus " << j << " part " << part;
-          }
-        }
-      }
-    }
-    // A slack row is the identity alone; its current-form mismatch is the
-    // distance from the given voltage.
-    const int s = NEW[1];
-    ASSERT_EQ(w.IA[s + 1] - w.IA[s], 1);
-    const int k = w.IA[s];
-    EXPECT_EQ(w.JA[k], s);
-    EXPECT_EQ(w.AA[k], 1);
-    EXPECT_EQ(w.AB[k], 0);
-    EXPECT_EQ(w.AC[k], 0);
-    EXPECT_EQ(w.AD[k], 1);
-    if (current) {
-      EXPECT_EQ(d[2 * s - 2], 0);
-      EXPECT_EQ(d[2 * s - 1], 0);
-    }
-  }
-}
-
 TEST_F(NewtonTest, NewtonWithTheDecoupledStartKeepsItsStatus) {
   // One Newton iteration cannot reach the tolerance, but the decoupled start
   // reached 0.5, and that is the status; both passes run.
@@ -331,9 +222,9 @@ TEST_F(NewtonTest, NewtonWithTheDecoupledStartKeepsItsStatus) {
   int32_t status = -1;
   newtonp(status);
   EXPECT_EQ(status, 1);
-  EXPECT_EQ(count(lines, "  Newton Method Iterative Process"), 2);
-  EXPECT_EQ(count(lines, "  P Q Decoupled Iterative Process"), 2);
-  EXPECT_EQ(count(lines, ""), 2);
+  EXPECT_EQ(test::count("  Newton Method Iterative Process"), 2);
+  EXPECT_EQ(test::count("  P Q Decoupled Iterative Process"), 2);
+  EXPECT_EQ(test::count(""), 2);
 }
 
 TEST_F(NewtonTest, SecondPassStartsFlatWithTheWidenedTolerance) {
@@ -341,7 +232,7 @@ TEST_F(NewtonTest, SecondPassStartsFlatWithTheWidenedTolerance) {
   int32_t status = -1;
   newton(status);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(count(lines, "  Newton Method (Power Equation) Iterative Process"), 2);
+  EXPECT_EQ(test::count("  Newton Method (Power Equation) Iterative Process"), 2);
   // The second pass repeats the first from the flat start and stops on the
   // best correction of the first pass.
   const auto rows = rows_of(lines);

@@ -38,25 +38,17 @@ class AreaCase : public testing::Test {
       LL1.busarea[b] = area[b - 1];
       L1.busname[b] = names[b - 1];
     }
-    test::set_voltage(1, 1.0, 0);
-    test::set_voltage(2, 0.9, 0);
-    test::set_voltage(3, 1.0, 0);
-    test::set_voltage(4, 0.95, 0);
+    const double v[] = {1.0, 0.9, 1.0, 0.95};
+    for (int32_t b = 1; b <= 4; ++b) test::set_voltage(b, v[b - 1], 0);
     test::branch(1, 1, 2, 1, 0.1, 0, 0, 1);
     test::branch(2, 1, 4, 1, 0.01, 0.1, 0.02, 1);
     IJB.LOSSAREA[1] = 3;
-    for (int32_t g = 1; g <= 3; ++g) {
-      L5.ibs[g] = g;
-      L5.P[g] = 2.0;
-      GLP.IGEN[g] = g;
-    }
+    for (int32_t g = 1; g <= 3; ++g) L5.ibs[g] = GLP.IGEN[g] = g, L5.P[g] = 2.0;
     LFINF.narea = 3;
     const char* area_names[] = {"WEST", "EAST", "HILLS"};
     for (int32_t i = 1; i <= 3; ++i) {
-      LL7.area_no[i] = i;
-      LL7.unit[i] = i;
-      LL7.tolerance[i] = 0.001;
-      LL7.pmax[i] = 5;
+      LL7.area_no[i] = LL7.unit[i] = i;
+      LL7.tolerance[i] = 0.001, LL7.pmax[i] = 5;
       L7.area_name[i] = area_names[i - 1];
     }
     // On schedule, with the tie line's loss charged to area 3.

@@ -44,10 +44,8 @@ TEST(BranchFlows, SeriesShuntAndCurrents) {
     test::branch(1, 5, 9, 1, 0.02, 0.15, 0.04, t);
     brpq(1, pij, qij, pji, qji, ci, cj);
     const Flows f = textbook(vi, vj, 0.02, 0.15, 0.04, t > 0 ? t : 1.0);
-    EXPECT_NEAR(pij, f.sij.real(), 1e-12);
-    EXPECT_NEAR(qij, f.sij.imag(), 1e-12);
-    EXPECT_NEAR(pji, f.sji.real(), 1e-12);
-    EXPECT_NEAR(qji, f.sji.imag(), 1e-12);
+    EXPECT_NEAR(std::abs(cplx(pij, qij) - f.sij), 0, 1e-12);
+    EXPECT_NEAR(std::abs(cplx(pji, qji) - f.sji), 0, 1e-12);
     EXPECT_NEAR(ci, 1.04 * 1.04 * 0.04, 1e-14);
     EXPECT_NEAR(cj, 0.97 * 0.97 * 0.04, 1e-14);
     bracurrent(1, ii, ij);
@@ -79,22 +77,15 @@ class ReportCase : public testing::Test {
     test::reset_store();
     stem = test::temp_stem();
     casename = stem;
-    L1.busname[1] = "NORTH";
-    L1.busname[2] = "SOUTH";
-    L1.busname[3] = "EAST";
+    L1.busname[1] = "NORTH", L1.busname[2] = "SOUTH", L1.busname[3] = "EAST";
     NNTOON.nbase = 3;
     NNTOON.nnode = 4;
     for (int32_t k = 1; k <= 3; ++k) NNTOON[k] = k;
     NNTOON[4] = 3;
-    NEW[1] = 2;
-    NEW[2] = 1;
-    NEW[3] = 3;
-    NEW[4] = 4;
+    NEW[1] = 2, NEW[2] = 1, NEW[3] = 3, NEW[4] = 4;
     NO.nnode = 4;
-    test::set_voltage(1, 0.9, 0);
-    test::set_voltage(2, 1.0, 0);
-    test::set_voltage(3, 1.0, 0);
-    test::set_voltage(4, 1.1, 0);
+    const double v[] = {0.9, 1.0, 1.0, 1.1};
+    for (int32_t i = 1; i <= 4; ++i) test::set_voltage(i, v[i - 1], 0);
 
     LFINF.nacline = 3;
     LFINF.ntrans = 1;
@@ -168,12 +159,9 @@ TEST_F(ReportCase, BusFileAndNewNodes) {
   LF93.loadshare = 1;
   L6.No[1] = 0;
   L6PP.nloadold = 3;
-  L6PP.ibs[1] = 4;
-  L6PP.No[1] = 11;
-  L6PP.ibs[2] = 1;
-  L6PP.No[2] = 12;
-  L6PP.ibs[3] = 4;
-  L6PP.No[3] = 13;
+  L6PP.ibs[1] = 4, L6PP.No[1] = 11;
+  L6PP.ibs[2] = 1, L6PP.No[2] = 12;
+  L6PP.ibs[3] = 4, L6PP.No[3] = 13;
   test::branch(5, 4, 1, 3, 0, 0.1, 0, 1);  // a second branch at the new node
   NO.nbranch = 5;
   wlp1(1, casename);
@@ -201,14 +189,8 @@ TEST(BusFile, AngleFoldAndOverflow) {
   NO.nnode = 4;
   NO.nbranch = 1;
   test::branch(1, 4, 2, 1, 0, 0.1, 0, 1);
-  VPQ.V[1] = 1;
-  VPQ.TH[1] = 400 / 57.2957795;
-  VPQ.V[2] = 12345.6;  // too wide for its field
-  VPQ.TH[2] = -750 / 57.2957795;
-  VPQ.V[3] = 1;
-  VPQ.TH[3] = 359 / 57.2957795;
-  VPQ.V[4] = 1;
-  VPQ.TH[4] = 400 / 57.2957795;
+  const double v[] = {1, 12345.6, 1, 1}, deg[] = {400, -750, 359, 400};  // 12345.6 overflows
+  for (int32_t i = 1; i <= 4; ++i) VPQ.V[i] = v[i - 1], VPQ.TH[i] = deg[i - 1] / 57.2957795;
   wlp1(0, CaseName(stem));  // not converged
   const auto lp1 = file_lines(stem + ".LP1");
   ASSERT_EQ(lp1.size(), 4u);
@@ -237,24 +219,14 @@ TEST_F(ReportCase, GeneratorAndLoadFilesWithSlackTable) {
               {2, 3, 1, 0.5, 0.3, 0.1},
               {5, 4, 0, 1.0, 0, 0}};
   for (int32_t r = 1; r <= 5; ++r) {
-    L5OLD.ibs[r] = gens[r - 1].ibs;
-    L5OLD.map[r] = gens[r - 1].map;
-    L5OLD.merged[r] = gens[r - 1].merged;
-    L5OLD.share[r] = gens[r - 1].share;
-    L5OLD.P[r] = gens[r - 1].p;
-    L5OLD.Q[r] = gens[r - 1].q;
+    const auto& g = gens[r - 1];
+    L5OLD.ibs[r] = g.ibs, L5OLD.map[r] = g.map, L5OLD.merged[r] = g.merged;
+    L5OLD.share[r] = g.share, L5OLD.P[r] = g.p, L5OLD.Q[r] = g.q;
   }
   L5.ibs[1] = 1;
-  L5.mode_ctrl[1] = 0;
-  L5.mode_ctrl[2] = -1;
-  L5.mode_ctrl[3] = 1;
-  L5.mode_ctrl[4] = 1;
-  VPQ.PG[2] = 1.5;
-  VPQ.QG[2] = -0.25;
-  VPQ.PG[3] = 0.8;
-  VPQ.QG[3] = 0.4;
-  GLP.IGEN[2] = 1;
-  GLP.IGEN[3] = 2;
+  L5.mode_ctrl[1] = 0, L5.mode_ctrl[2] = -1, L5.mode_ctrl[3] = L5.mode_ctrl[4] = 1;
+  VPQ.PG[2] = 1.5, VPQ.QG[2] = -0.25, GLP.IGEN[2] = 1;
+  VPQ.PG[3] = 0.8, VPQ.QG[3] = 0.4, GLP.IGEN[3] = 2;
   wlp5(casename);
   EXPECT_THAT(file_lines(stem + ".LP5"),
               ElementsAre("    1,        1.5000000000,       -0.2500000000,     0,",
@@ -271,22 +243,13 @@ TEST_F(ReportCase, GeneratorAndLoadFilesWithSlackTable) {
     int32_t ibs, no;
     double p, q;
   } old[] = {{2, 21, 0, 0}, {2, 22, 0, 0}, {2, 23, 0, 0}, {3, 24, 0.2, 0}, {3, 25, 0.3, 0}};
-  for (int32_t q = 1; q <= 5; ++q) {
-    L6PP.ibs[q] = old[q - 1].ibs;
-    L6PP.No[q] = old[q - 1].no;
-    L6PP.P[q] = old[q - 1].p;
+  for (int32_t q = 1; q <= 5; ++q)
+    L6PP.ibs[q] = old[q - 1].ibs, L6PP.No[q] = old[q - 1].no, L6PP.P[q] = old[q - 1].p,
     L6PP.Q[q] = old[q - 1].q;
-  }
-  L6.ibs[1] = 2;
-  L6.No[1] = 0;
-  L6.mode_ctrl[1] = 0;
-  L6.ibs[2] = 3;
-  L6.No[2] = 0;
-  L6.mode_ctrl[2] = -1;
-  VPQ.PL[1] = -0.9;
-  VPQ.QL[1] = -0.3;
-  VPQ.PL[3] = 0.5;
-  VPQ.QL[3] = 0.25;
+  L6.ibs[1] = 2, L6.No[1] = 0, L6.mode_ctrl[1] = 0;
+  L6.ibs[2] = 3, L6.No[2] = 0, L6.mode_ctrl[2] = -1;
+  VPQ.PL[1] = -0.9, VPQ.QL[1] = -0.3;
+  VPQ.PL[3] = 0.5, VPQ.QL[3] = 0.25;
   wlp6(casename);
   EXPECT_THAT(file_lines(stem + ".LP6"),
               ElementsAre("   2,  21,       -0.3000000000,       -0.1000000000,",
@@ -331,14 +294,10 @@ TEST_F(ReportCase, DriverWritesWhatTheCaseHas) {
 TEST(ModelInjections, TakenOutOfTheNodeResults) {
   test::reset_store();
   NO.nnode = 4;
-  GLP.IGEN[1] = 1;
-  L5.mode_ctrl[1] = 0;
-  GLP.IGEN[2] = 2;
-  L5.mode_ctrl[2] = -1;
-  GLP.ILOAD[3] = 1;
-  L6.mode_ctrl[1] = 0;
-  GLP.IGEN[4] = 3;
-  L5.mode_ctrl[3] = 0;
+  GLP.IGEN[1] = 1, L5.mode_ctrl[1] = 0;
+  GLP.IGEN[2] = 2, L5.mode_ctrl[2] = -1;
+  GLP.ILOAD[3] = 1, L6.mode_ctrl[1] = 0;
+  GLP.IGEN[4] = 3, L5.mode_ctrl[3] = 0;
   for (int32_t i = 1; i <= 4; ++i) {
     VPQ.PG[i] = VPQ.QG[i] = VPQ.PL[i] = VPQ.QL[i] = 1;
     LFUDOT.UDPINJ[i] = 0.25;

@@ -23,15 +23,12 @@ namespace fs = std::filesystem;
 std::vector<std::vector<double>> report(const fs::path& file) {
   std::vector<std::vector<double>> rows;
   std::ifstream in(file);
-  std::string line;
-  while (std::getline(in, line)) {
-    std::vector<double> row;
+  for (std::string line, f; std::getline(in, line);) {
     std::stringstream fields(line);
-    std::string f;
+    rows.emplace_back();
     while (std::getline(fields, f, ','))
       if (f.find_first_of("0123456789") != std::string::npos && f.find('\'') == std::string::npos)
-        row.push_back(std::stod(f));
-    rows.push_back(row);
+        rows.back().push_back(std::stod(f));
   }
   return rows;
 }
@@ -86,21 +83,18 @@ TEST_P(ModesTest, FileAndDatabaseGiveTheSameSolution) {
   for (std::size_t r = 1; r < buses.size(); ++r) {
     const auto& b = buses[r];
     ASSERT_EQ(b.size(), 3u);
-    std::string where = " WHERE id = " + std::to_string(int(b[0]));
-    EXPECT_NEAR(number("SELECT v FROM bs" + where), b[1], 2e-5) << "bus " << b[0];
-    double angle = number("SELECT adeg FROM bs" + where);
-    EXPECT_NEAR(std::remainder(angle - b[2], 360.0), 0.0, 2e-3) << "bus " << b[0];
+    std::string where = " FROM bs WHERE id = " + std::to_string(int(b[0]));
+    EXPECT_NEAR(number("SELECT v" + where), b[1], 2e-5) << where;
+    EXPECT_NEAR(std::remainder(number("SELECT adeg" + where) - b[2], 360.0), 0.0, 2e-3) << where;
   }
   for (const auto& l : lines) {
     ASSERT_EQ(l.size(), 9u);
-    std::string where;
-    if (l[0] == l[1]) {
-      where = " FROM cp WHERE ibs = " + std::to_string(int(l[0])) +
-              " AND cpno = " + std::to_string(int(l[2]));
-    } else {
-      where = " FROM ln WHERE ibs = " + std::to_string(int(l[0])) +
-              " AND zbs = " + std::to_string(int(l[1])) +
-              " AND lnno = " + std::to_string(int(l[2]));
+    auto [i, j, no] =
+        std::tuple{std::to_string(int(l[0])), std::to_string(int(l[1])), std::to_string(int(l[2]))};
+    std::string where = l[0] == l[1]
+                            ? " FROM cp WHERE ibs = " + i + " AND cpno = " + no
+                            : " FROM ln WHERE ibs = " + i + " AND zbs = " + j + " AND lnno = " + no;
+    if (l[0] != l[1]) {
       EXPECT_NEAR(number("SELECT wz" + where), l[5], 2e-4) << where;
     }
     EXPECT_NEAR(number("SELECT w" + where), l[3], 2e-4) << where;

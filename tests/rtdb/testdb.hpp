@@ -51,32 +51,29 @@ class TestDb : public ::testing::Test {
     sqlite3_free(err);
     sqlite3_close(db);
   }
-  // The first value of a query, as text, read outside the session.
-  std::string value(const std::string& query) {
+  // The first value of a query, as text or as a number, read outside the
+  // session.
+  template <typename T, typename Column>
+  T first(const std::string& query, T none, Column column) {
     sqlite3* db = nullptr;
     sqlite3_open(path_.c_str(), &db);
     sqlite3_stmt* q = nullptr;
-    std::string out = "<none>";
+    T out = none;
     if (sqlite3_prepare_v2(db, query.c_str(), -1, &q, nullptr) == SQLITE_OK &&
-        sqlite3_step(q) == SQLITE_ROW) {
-      const unsigned char* t = sqlite3_column_text(q, 0);
-      out = t ? reinterpret_cast<const char*>(t) : "";
-    }
+        sqlite3_step(q) == SQLITE_ROW)
+      out = column(q);
     sqlite3_finalize(q);
     sqlite3_close(db);
     return out;
   }
+  std::string value(const std::string& query) {
+    return first<std::string>(query, "<none>", [](sqlite3_stmt* q) {
+      const unsigned char* t = sqlite3_column_text(q, 0);
+      return t ? reinterpret_cast<const char*>(t) : "";
+    });
+  }
   double number(const std::string& query) {
-    sqlite3* db = nullptr;
-    sqlite3_open(path_.c_str(), &db);
-    sqlite3_stmt* q = nullptr;
-    double out = -999;
-    if (sqlite3_prepare_v2(db, query.c_str(), -1, &q, nullptr) == SQLITE_OK &&
-        sqlite3_step(q) == SQLITE_ROW)
-      out = sqlite3_column_double(q, 0);
-    sqlite3_finalize(q);
-    sqlite3_close(db);
-    return out;
+    return first<double>(query, -999, [](sqlite3_stmt* q) { return sqlite3_column_double(q, 0); });
   }
   int open() {
     session_ = cli_create("lf", path_.c_str(), 0, cli_open_default, 0, 0, 0, 0);

@@ -13,54 +13,33 @@
 namespace lf {
 namespace {
 
-struct Branches {
-  Arr<int32_t> i, j;
-  int32_t nb = 0;
-  void add(int32_t a, int32_t b) {
-    ++nb;
-    i.grow(static_cast<std::size_t>(nb));
-    j.grow(static_cast<std::size_t>(nb));
-    i[nb] = a;
-    j[nb] = b;
-  }
-};
+using Edges = std::vector<std::pair<int, int>>;
 
-// Internal numbers of buses 1..maxbus.
-std::vector<int32_t> order(const Branches& br, int32_t& n) {
+// Internal numbers of buses 1..maxbus; n counts the numbered ones.
+std::vector<int32_t> order(const Edges& e, int32_t& n) {
+  const auto nb = static_cast<int32_t>(e.size());
+  Arr<int32_t> bi(nb), bj(nb);
+  for (int32_t k = 1; k <= nb; ++k) bi[k] = e[k - 1].first, bj[k] = e[k - 1].second;
   int32_t maxbus = 0, cells = 0;
-  maxnob(br.nb, br.i, br.j, maxbus);
-  Arr<int32_t> num(static_cast<std::size_t>(maxbus));
-  optnob_mdml(br.nb, br.i, br.j, maxbus, n, num, cells);
-  std::vector<int32_t> out;
-  for (int32_t b = 1; b <= maxbus; ++b) out.push_back(num[b]);
-  return out;
+  maxnob(nb, bi, bj, maxbus);
+  Arr<int32_t> num(maxbus);
+  optnob_mdml(nb, bi, bj, maxbus, n, num, cells);
+  return {num.data() + 1, num.data() + 1 + maxbus};
 }
 
-TEST(Ordering, StarLeavesFirstHubLast) {
-  Branches br;
-  br.add(1, 2);
-  br.add(3, 1);
-  br.add(1, 4);
-  int32_t n = 0;
-  // When the hub and leaf 4 remain, both have degree 1; the leaf's level is lower.
-  EXPECT_EQ(order(br, n), (std::vector<int32_t>{4, 1, 2, 3}));
-  EXPECT_EQ(n, 4);
-}
-
-TEST(Ordering, EqualDegreeGoesToLowerLevelThenLowerNumber) {
-  Branches path;  // 1-2-3-4: after 1, bus 2 has degree 1 at level 2, bus 4 at level 1
-  path.add(1, 2);
-  path.add(2, 3);
-  path.add(3, 4);
-  int32_t n = 0;
-  EXPECT_EQ(order(path, n), (std::vector<int32_t>{1, 3, 4, 2}));
-
-  Branches ring;  // 1-2-3-4-1: eliminating 1 joins 2 and 4 and raises their level
-  ring.add(1, 2);
-  ring.add(2, 3);
-  ring.add(3, 4);
-  ring.add(4, 1);
-  EXPECT_EQ(order(ring, n), (std::vector<int32_t>{1, 3, 2, 4}));
+TEST(Ordering, LowestDegreeThenLowerLevelThenLowerNumber) {
+  // Star: the hub and leaf 4 end at degree 1, the leaf's level is lower.
+  // Path 1-2-3-4: after 1, bus 2 has degree 1 at level 2, bus 4 at level 1.
+  // Ring: eliminating 1 joins 2 and 4 and raises their level.
+  const std::pair<Edges, std::vector<int32_t>> cases[] = {
+      {{{1, 2}, {3, 1}, {1, 4}}, {4, 1, 2, 3}},
+      {{{1, 2}, {2, 3}, {3, 4}}, {1, 3, 4, 2}},
+      {{{1, 2}, {2, 3}, {3, 4}, {4, 1}}, {1, 3, 2, 4}}};
+  for (const auto& [edges, want] : cases) {
+    int32_t n = 0;
+    EXPECT_EQ(order(edges, n), want);
+    EXPECT_EQ(n, 4);
+  }
 }
 
 TEST(Ordering, ShuntOnlyBusAndParallelBranches) {
@@ -81,51 +60,40 @@ TEST(Ordering, ShuntOnlyBusAndParallelBranches) {
   fomy11();
   EXPECT_EQ(NO.MAXBUS, 5);
   EXPECT_EQ(NO.nnode, 3);
-  EXPECT_EQ(NEW[4], 0);
-  EXPECT_EQ(NEW[5], 0);
-  EXPECT_EQ(NEW[1], 1);
-  EXPECT_EQ(NEW[3], 2);
-  EXPECT_EQ(NEW[2], 3);
-  EXPECT_EQ(IOU[1], 1);
-  EXPECT_EQ(IOU[2], 1);
-  EXPECT_EQ(IOU[3], 0);
+  EXPECT_EQ((std::vector<int32_t>{NEW[1], NEW[2], NEW[3], NEW[4], NEW[5]}),
+            (std::vector<int32_t>{1, 3, 2, 0, 0}));
+  EXPECT_EQ((std::vector<int32_t>{IOU[1], IOU[2], IOU[3]}), (std::vector<int32_t>{1, 1, 0}));
   EXPECT_EQ(NO.NYENT, 5);
 }
 
 // The ordering as its rules read: every candidate scanned in ascending number,
 // neighbour sets for the simulated elimination.
-std::vector<int32_t> reference_order(int32_t maxbus, const std::vector<std::pair<int, int>>& e) {
-  std::vector<std::set<int>> adj(static_cast<std::size_t>(maxbus) + 1);
+std::vector<int32_t> reference_order(int32_t maxbus, const Edges& e) {
+  std::vector<std::set<int>> adj(maxbus + 1);
   for (auto [a, b] : e) {
     if (a == b) continue;
-    adj[static_cast<std::size_t>(a)].insert(b);
-    adj[static_cast<std::size_t>(b)].insert(a);
+    adj[a].insert(b);
+    adj[b].insert(a);
   }
-  std::vector<int32_t> num(static_cast<std::size_t>(maxbus) + 1, 0),
-      level(static_cast<std::size_t>(maxbus) + 1, 1);
-  std::vector<bool> live(static_cast<std::size_t>(maxbus) + 1);
-  for (int v = 1; v <= maxbus; ++v)
-    live[static_cast<std::size_t>(v)] = !adj[static_cast<std::size_t>(v)].empty();
+  std::vector<int32_t> num(maxbus + 1, 0), level(maxbus + 1, 1);
+  std::vector<bool> live(maxbus + 1);
+  for (int v = 1; v <= maxbus; ++v) live[v] = !adj[v].empty();
   for (int32_t k = 1;; ++k) {
     int best = 0;
     for (int v = 1; v <= maxbus; ++v) {
-      auto sv = static_cast<std::size_t>(v), sb = static_cast<std::size_t>(best);
-      if (!live[sv]) continue;
-      if (best == 0 || adj[sv].size() < adj[sb].size() ||
-          (adj[sv].size() == adj[sb].size() && level[sv] < level[sb]))
+      if (live[v] && (best == 0 || adj[v].size() < adj[best].size() ||
+                      (adj[v].size() == adj[best].size() && level[v] < level[best])))
         best = v;
     }
     if (best == 0) break;
-    auto sb = static_cast<std::size_t>(best);
-    num[sb] = k;
-    live[sb] = false;
-    std::set<int> nb = adj[sb];
+    num[best] = k;
+    live[best] = false;
+    const std::set<int> nb = adj[best];
     for (int a : nb) {
-      auto sa = static_cast<std::size_t>(a);
-      adj[sa].erase(best);
-      level[sa] = std::max(level[sa], level[sb] + 1);
+      adj[a].erase(best);
+      level[a] = std::max(level[a], level[best] + 1);
       for (int b : nb)
-        if (b != a) adj[sa].insert(b);
+        if (b != a) adj[a].insert(b);
     }
   }
   return {num.begin() + 1, num.end()};
@@ -136,15 +104,10 @@ TEST(Ordering, AgreesWithTheRulesOnRandomNetworks) {
   for (int trial = 0; trial < 40; ++trial) {
     const int nbus = 5 + trial * 3;
     std::uniform_int_distribution<int> bus(1, nbus);
-    Branches br;
-    std::vector<std::pair<int, int>> e;
-    for (int k = 0; k < nbus + nbus / 2; ++k) {
-      int a = bus(rng), b = bus(rng);
-      br.add(a, b);
-      e.emplace_back(a, b);
-    }
+    Edges e;
+    for (int k = 0; k < nbus + nbus / 2; ++k) e.emplace_back(bus(rng), bus(rng));
     int32_t n = 0;
-    std::vector<int32_t> got = order(br, n);
+    std::vector<int32_t> got = order(e, n);
     std::vector<int32_t> want = reference_order(static_cast<int32_t>(got.size()), e);
     ASSERT_EQ(got, want) << "trial " << trial;
     EXPECT_EQ(n, static_cast<int32_t>(

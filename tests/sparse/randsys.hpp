@@ -13,12 +13,12 @@ namespace lf::test {
 // Neighbour sets of a connected random network of n buses: a ring with
 // random chords.
 inline std::vector<std::set<int>> random_network(int n, int chords, std::mt19937& rng) {
-  std::vector<std::set<int>> adj(static_cast<std::size_t>(n) + 1);
+  std::vector<std::set<int>> adj(n + 1);
   std::uniform_int_distribution<int> bus(1, n);
   auto join = [&](int a, int b) {
     if (a == b) return;
-    adj[static_cast<std::size_t>(a)].insert(b);
-    adj[static_cast<std::size_t>(b)].insert(a);
+    adj[a].insert(b);
+    adj[b].insert(a);
   };
   for (int k = 1; k < n; ++k) join(k, k + 1);
   if (n > 2) join(n, 1);
