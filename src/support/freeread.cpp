@@ -1,8 +1,9 @@
 #include "support/freeread.hpp"
 
 #include <cerrno>
-#include <climits>
+#include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -10,43 +11,49 @@ namespace lf {
 
 bool FreeReader::open(const std::string& path) {
   close();
-  f_ = std::fopen(path.c_str(), "rb");
-  lineno_ = 0;
-  eof_ = false;
-  return f_ != nullptr;
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  if (!f) return false;
+  char chunk[1 << 16];
+  for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data_.append(chunk, n);
+  std::fclose(f);
+  open_ = true;
+  return true;
 }
 
 void FreeReader::close() {
-  if (f_) std::fclose(f_);
-  f_ = nullptr;
+  data_.clear();
+  pos_ = 0;
+  lineno_ = 0;
+  eof_ = false;
+  open_ = false;
 }
 
-bool FreeReader::next_line(std::string& out) {
-  out.clear();
-  if (!f_) return false;
-  int c;
-  bool any = false;
-  while ((c = std::fgetc(f_)) != EOF) {
-    any = true;
-    if (c == '\n') break;
-    out += static_cast<char>(c);
-  }
-  if (!any) {
+bool FreeReader::next_line(std::string_view& out) {
+  out = {};
+  if (!open_) return false;
+  if (pos_ >= data_.size()) {
     eof_ = true;
     return false;
   }
-  if (!out.empty() && out.back() == '\r') out.pop_back();
+  std::size_t end = data_.find('\n', pos_);
+  if (end == std::string::npos) end = data_.size();
+  out = std::string_view(data_).substr(pos_, end - pos_);
+  pos_ = end + 1;
+  if (!out.empty() && out.back() == '\r') out.remove_suffix(1);
   ++lineno_;
   return true;
 }
 
 bool FreeReader::skip() {
-  std::string s;
+  std::string_view s;
   return next_line(s);
 }
 
 bool FreeReader::line(std::string& out) {
-  return next_line(out);
+  std::string_view s;
+  const bool got = next_line(s);
+  out.assign(s);
+  return got;
 }
 
 namespace {
@@ -57,46 +64,73 @@ bool is_blank(char c) {
 bool ends_value(char c) {
   return is_blank(c) || c == ',' || c == '/';
 }
+bool is_digit(char c) {
+  return c >= '0' && c <= '9';
+}
 
-bool to_int(const std::string& t, int32_t& out) {
+bool to_int(std::string_view t, int32_t& out) {
   if (t.empty()) return false;
   std::size_t i = (t[0] == '+' || t[0] == '-') ? 1 : 0;
   if (i == t.size()) return false;
   for (std::size_t k = i; k < t.size(); ++k)
-    if (t[k] < '0' || t[k] > '9') return false;
-  errno = 0;
-  long long v = std::strtoll(t.c_str(), nullptr, 10);
-  if (errno == ERANGE || v > INT32_MAX || v < INT32_MIN) return false;
-  out = static_cast<int32_t>(v);
+    if (!is_digit(t[k])) return false;
+  if (t[0] == '+') t.remove_prefix(1);
+  int32_t v = 0;
+  if (std::from_chars(t.data(), t.data() + t.size(), v).ec != std::errc()) return false;
+  out = v;
   return true;
 }
 
-bool to_real(std::string t, double& out) {
+bool to_real(std::string_view t, double& out) {
   if (t.empty()) return false;
   // Only digits, signs, a point and an exponent letter make a number; the
   // exponent may be written with D as well as E.
-  for (char& c : t) {
-    if (c == 'd' || c == 'D') c = 'E';
-    if (!((c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E'))
+  bool d_exponent = false;
+  for (char c : t) {
+    if (c == 'd' || c == 'D')
+      d_exponent = true;
+    else if (!(is_digit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E'))
       return false;
   }
+  std::string text;
+  if (d_exponent) {
+    text.assign(t);
+    for (char& c : text)
+      if (c == 'd' || c == 'D') c = 'E';
+    t = text;
+  }
+  // A whole token that gives a normal number converts the same, correctly
+  // rounded, either way, and so does one whose digits before the exponent
+  // are all zero; tiny and huge values (range errors) and anything the quick
+  // conversion does not take are left to strtod.
+  const char* first = t.data();
+  const char* last = first + t.size();
+  if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
+  double v = 0;
+  const auto quick = std::from_chars(first, last, v);
+  if (quick.ec == std::errc() && quick.ptr == last &&
+      (std::isnormal(v) || (v == 0 && t.find_first_of("123456789") >= t.find_first_of("eE")))) {
+    out = v;
+    return true;
+  }
+  if (text.empty()) text.assign(t);
   char* end = nullptr;
   errno = 0;
-  double v = std::strtod(t.c_str(), &end);
-  if (end != t.c_str() + t.size() || errno == ERANGE || !std::isfinite(v)) return false;
+  v = std::strtod(text.c_str(), &end);
+  if (end != text.c_str() + text.size() || errno == ERANGE || !std::isfinite(v)) return false;
   out = v;
   return true;
 }
 
 // Stores one value into one item; false when the value does not suit it.
-bool store(const ReadItem& it, const std::string& text, bool quoted) {
+bool store(const ReadItem& it, std::string_view text, bool quoted) {
   switch (it.kind) {
     case ReadItem::Kind::Int:
       return !quoted && to_int(text, *static_cast<int32_t*>(it.p));
     case ReadItem::Kind::Real:
       return !quoted && to_real(text, *static_cast<double*>(it.p));
     case ReadItem::Kind::String:
-      *static_cast<std::string*>(it.p) = text;
+      static_cast<std::string*>(it.p)->assign(text);
       return true;
     case ReadItem::Kind::Chars: {
       char* dst = static_cast<char*>(it.p);
@@ -112,8 +146,7 @@ bool store(const ReadItem& it, const std::string& text, bool quoted) {
 }  // namespace
 
 bool FreeReader::read(std::span<const ReadItem> items) {
-  if (!f_) return false;
-  std::string buf;
+  std::string_view buf;
   std::size_t pos = 0;
   if (!next_line(buf)) return false;
 
@@ -127,7 +160,8 @@ bool FreeReader::read(std::span<const ReadItem> items) {
     }
   };
 
-  std::string value;
+  std::string_view value;
+  std::string quoted_text;  // a quoted value, its doubled quotes made single
   bool quoted = false, null = false;
   long repeat = 0;  // values still to hand out from the last r*value
   for (const ReadItem& it : items) {
@@ -140,21 +174,20 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       repeat = 1;
       // r*value or r*: a repeat count in front of a star.
       std::size_t k = pos;
-      while (k < buf.size() && buf[k] >= '0' && buf[k] <= '9') ++k;
+      while (k < buf.size() && is_digit(buf[k])) ++k;
       if (k > pos && k < buf.size() && buf[k] == '*') {
-        errno = 0;
-        repeat = std::strtol(buf.c_str() + pos, nullptr, 10);
-        if (repeat < 1 || errno == ERANGE) return false;
+        const auto count = std::from_chars(buf.data() + pos, buf.data() + k, repeat);
+        if (count.ec != std::errc() || repeat < 1) return false;
         pos = k + 1;
         if (pos >= buf.size() || ends_value(buf[pos])) null = true;
       } else if (c == ',') {
         null = true;
       }
       if (!null) {
-        value.clear();
         char q = buf[pos];
         if (q == '\'' || q == '"') {
           quoted = true;
+          quoted_text.clear();
           ++pos;
           for (;;) {
             if (pos >= buf.size()) {  // a quoted text may go on in the next line
@@ -164,17 +197,20 @@ bool FreeReader::read(std::span<const ReadItem> items) {
             }
             if (buf[pos] == q) {
               if (pos + 1 < buf.size() && buf[pos + 1] == q) {
-                value += q;
+                quoted_text += q;
                 pos += 2;
                 continue;
               }
               ++pos;
               break;
             }
-            value += buf[pos++];
+            quoted_text += buf[pos++];
           }
+          value = quoted_text;
         } else {
-          while (pos < buf.size() && !ends_value(buf[pos])) value += buf[pos++];
+          const std::size_t start = pos;
+          while (pos < buf.size() && !ends_value(buf[pos])) ++pos;
+          value = buf.substr(start, pos - start);
         }
       }
       // The separator behind the value: blanks and at most one comma, on this line.

@@ -12,10 +12,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "support/arr.hpp"
 
@@ -40,12 +40,12 @@ class FreeReader {
  public:
   FreeReader() = default;
   explicit FreeReader(const std::string& path) { open(path); }
-  ~FreeReader() { close(); }
   FreeReader(const FreeReader&) = delete;
   FreeReader& operator=(const FreeReader&) = delete;
 
-  bool open(const std::string& path);  // false when the file cannot be opened
-  bool is_open() const { return f_ != nullptr; }
+  // Takes in the whole file at once; false when it cannot be opened.
+  bool open(const std::string& path);
+  bool is_open() const { return open_; }
   void close();
 
   // One read statement over the given items.
@@ -66,8 +66,10 @@ class FreeReader {
   bool at_end() const { return eof_; }
 
  private:
-  bool next_line(std::string& out);
-  std::FILE* f_ = nullptr;
+  bool next_line(std::string_view& out);
+  std::string data_;     // the whole file
+  std::size_t pos_ = 0;  // start of the next line in data_
+  bool open_ = false;
   long lineno_ = 0;
   bool eof_ = false;
 };

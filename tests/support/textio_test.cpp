@@ -3,6 +3,8 @@
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -63,6 +65,49 @@ TEST(FreeReader, SlashAndEmptyFieldsLeaveItemsUnchanged) {
   ASSERT_TRUE(r(x, y));
   EXPECT_DOUBLE_EQ(x, 100.0);
   EXPECT_DOUBLE_EQ(y, 5.0);
+}
+
+// Every real read must be the very double the C library makes of the token,
+// halfway cases, zeros and signs included; out-of-range and malformed tokens
+// (subnormals among them) are read errors, and so are integers beyond 32
+// bits.
+TEST(FreeReader, RealsMatchTheCLibraryBitForBit) {
+  const char* const good[] = {"0.1",
+                              "+.5",
+                              "-0",
+                              "0.0E+00",
+                              "+0d5",
+                              "1.",
+                              "5e-1",
+                              "2.2250738585072014e-308",
+                              "9007199254740993",
+                              "0.30000000000000004441",
+                              "1.7976931348623157e308",
+                              "1d-3",
+                              "-12.5D+2"};
+  for (const char* token : good) {
+    FreeReader r(write_temp("d", std::string(token) + "\n"));
+    double x = 7;
+    ASSERT_TRUE(r(x)) << token;
+    std::string c_text(token);
+    for (char& ch : c_text)
+      if (ch == 'd' || ch == 'D') ch = 'E';
+    const double want = std::strtod(c_text.c_str(), nullptr);
+    EXPECT_EQ(std::memcmp(&x, &want, sizeof x), 0) << token;
+  }
+  for (const char* token :
+       {"1e400", "1e-400", "4.9e-324", "+-1", "1e", ".", "1.5.2", "0x10", "inf"}) {
+    FreeReader r(write_temp("e", std::string(token) + "\n"));
+    double x = 7;
+    EXPECT_FALSE(r(x)) << token;
+    EXPECT_EQ(x, 7) << token;
+  }
+  FreeReader r(write_temp("f", "+2147483647 -2147483648 2147483648\n"));
+  int32_t a = 0, b = 0, c = 5;
+  EXPECT_FALSE(r(a, b, c));
+  EXPECT_EQ(a, 2147483647);
+  EXPECT_EQ(b, -2147483647 - 1);
+  EXPECT_EQ(c, 5);
 }
 
 TEST(FreeReader, ReportsErrorsAndEndOfFileKeepingWhatWasRead) {
