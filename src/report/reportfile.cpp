@@ -22,13 +22,19 @@ void ReportFile::put(const std::string& line) {
 
 std::string csv_i(std::initializer_list<long long> v, int w) {
   std::string s;
-  for (long long x : v) s += fmt_i(x, w) + ",";
+  for (long long x : v) {
+    put_i(s, x, w);
+    s += ',';
+  }
   return s;
 }
 
 std::string csv_f(std::initializer_list<double> v, int w, int d) {
   std::string s;
-  for (double x : v) s += fmt_f(x, w, d) + ",";
+  for (double x : v) {
+    put_f(s, x, w, d);
+    s += ',';
+  }
   return s;
 }
 
