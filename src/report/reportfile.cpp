@@ -1,5 +1,7 @@
 #include "report/reportfile.hpp"
 
+#include <algorithm>
+
 #include "support/fmt.hpp"
 #include "support/stop.hpp"
 
@@ -9,6 +11,8 @@ ReportFile::ReportFile(const std::string& path, Mode mode) {
   if (mode == kNew) std::remove(path.c_str());
   f_ = std::fopen(path.c_str(), "w");
   if (!f_ && mode == kNew) stop_run("Can't open file " + path);
+  // A large buffer: a report of a big network goes out in a few writes.
+  if (f_) std::setvbuf(f_, nullptr, _IOFBF, 1 << 18);
 }
 
 ReportFile::~ReportFile() {
@@ -22,13 +26,21 @@ void ReportFile::put(const std::string& line) {
 
 std::string csv_i(std::initializer_list<long long> v, int w) {
   std::string s;
-  for (long long x : v) s += fmt_i(x, w) + ",";
+  s.reserve(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
+  for (long long x : v) {
+    put_i(s, x, w);
+    s += ',';
+  }
   return s;
 }
 
 std::string csv_f(std::initializer_list<double> v, int w, int d) {
   std::string s;
-  for (double x : v) s += fmt_f(x, w, d) + ",";
+  s.reserve(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
+  for (double x : v) {
+    put_f(s, x, w, d);
+    s += ',';
+  }
   return s;
 }
 

@@ -25,8 +25,10 @@ struct Link {
 struct Scratch {
   std::vector<BlockEntry> val;
   std::vector<Link> link;
-  std::vector<int32_t> start;  // refactorisation: first of each column in above
-  std::vector<Link> above;     // refactorisation: the entries of U by column
+  std::vector<int32_t> start;                   // refactorisation: first of each column in above
+  std::vector<Link> above;                      // refactorisation: the entries of U by column
+  std::vector<int32_t> pattern_il, pattern_ju;  // the pattern that above was laid out for
+  BlockWork work{0};
   void room(std::size_t q) {
     if (q < val.size()) return;
     const std::size_t want = std::max(q + 1, 2 * val.size());
@@ -47,14 +49,16 @@ struct Matrix {
 };
 
 // Loads the entries of column i on and below the diagonal into side 0 of the
-// work row and those of row i right of the diagonal into side 1.
+// work row and those of row i right of the diagonal into side 1.  With
+// Discover their indices join the patterns; without, the work row already
+// holds the pattern of the factor, which covers the matrix's.
 template <bool Discover>
 void load(const Matrix& A, int32_t i, BlockWork& w) {
   if (const int32_t start = A.chfirst[i]; start != 0) {
     int32_t p = start, row = A.chfirstrow[i];
     do {
       if (Discover) w.enter(0, row);
-      if (w.has(0, row)) w.set(0, row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+      w.set(0, row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
       row = A.chrow[p];
       p = A.chpos[p];
     } while (p != start && p != 0);
@@ -64,7 +68,7 @@ void load(const Matrix& A, int32_t i, BlockWork& w) {
   for (int32_t p = from; p < end; ++p) {
     const int32_t c = A.ja[p];
     if (Discover) w.enter(1, c);
-    if (w.has(1, c)) w.set(1, c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+    w.set(1, c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
   }
 }
 
@@ -147,6 +151,34 @@ void hand_out(const Scratch& f, int32_t used, Arr<double>& la, Arr<double>& lb, 
   }
 }
 
+// Lays out the entries of U by column, with their rows, ascending, in
+// f.above from f.start[c]: the column chains of U (and row chains of L) in the
+// order they run, laid out flat so that the positions can be fetched ahead
+// instead of one hop at a time.  A refactorisation on the pattern of the call
+// before finds the layout made already.
+void by_column(Scratch& f, int32_t n, const int32_t* il, const int32_t* ju, int32_t used) {
+  const std::size_t rows = static_cast<std::size_t>(n) + 2;
+  const std::size_t ents = static_cast<std::size_t>(used) + 1;
+  if (f.pattern_il.size() == rows && f.pattern_ju.size() == ents &&
+      std::equal(il + 1, il + rows, f.pattern_il.begin() + 1) &&
+      std::equal(ju + 1, ju + ents, f.pattern_ju.begin() + 1))
+    return;
+  f.pattern_il.assign(il, il + rows);
+  f.pattern_ju.assign(ju, ju + ents);
+  std::vector<int32_t>& start = f.start;
+  std::vector<Link>& above = f.above;
+  start.assign(rows, 0);
+  above.resize(static_cast<std::size_t>(used));
+  for (int32_t k = 1; k <= n; ++k)
+    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
+  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
+  for (int32_t k = 1; k <= n; ++k)
+    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s)
+      above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
+  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
+  start[0] = 0;
+}
+
 Matrix matrix_of(const Arr<int32_t>& ia, const Arr<int32_t>& ja, const Arr<int32_t>& chfirst,
                  const Arr<int32_t>& chfirstrow, const Arr<int32_t>& chrow,
                  const Arr<int32_t>& chpos, const Arr<int32_t>& upfirst, const Arr<double>& aa,
@@ -222,7 +254,8 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
   // The columns of the positions, as found.
   std::vector<int32_t> col(f.val.size(), 0);
 
-  BlockWork w(n);
+  BlockWork& w = f.work;
+  w.fit(n);
   // Per column: first and last entry stored so far above the diagonal.
   std::vector<int32_t> first(rows, 0), firstrow(rows, 0), lastpos(rows, 0);
   std::vector<int32_t> cols;
@@ -310,31 +343,19 @@ void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int3
   const int32_t used = il[n + 1] - 1;
   Scratch& f = scratch();
   f.room(static_cast<std::size_t>(used));
-  // The entries of U by column, with their rows, ascending: the column
-  // chains of U (and row chains of L) in the order they run, laid out flat so
-  // that the positions can be fetched ahead instead of one hop at a time.
-  std::vector<int32_t>& start = f.start;
-  std::vector<Link>& above = f.above;
-  start.assign(static_cast<std::size_t>(n) + 2, 0);
-  above.resize(static_cast<std::size_t>(used));
-  for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
-  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
-  for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s)
-      above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
-  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
-  start[0] = 0;
+  by_column(f, n, il.data(), ju.data(), used);
+  const std::vector<int32_t>& start = f.start;
+  const std::vector<Link>& above = f.above;
 
-  BlockWork w(n);
+  BlockWork& w = f.work;
+  w.fit(n);
   for (int32_t i = 1; i <= n; ++i) {
     const int32_t q = il[i];
     const int32_t count = il[i + 1] - q - 1;
-    w.begin();
-    w.enter(0, i);
+    w.zero(0, i);
     for (int32_t s = q + 1; s <= q + count; ++s) {
-      w.enter(0, jl[s]);
-      w.enter(1, ju[s]);
+      w.zero(0, jl[s]);
+      w.zero(1, ju[s]);
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);

@@ -33,6 +33,16 @@ struct BlockWork {
     mark[1].assign(cell.size(), 0);
   }
 
+  // Makes room for the indices 1..n; marks left from earlier use stay older
+  // than any later stamp.
+  void fit(int32_t n) {
+    const std::size_t want = static_cast<std::size_t>(n > 0 ? n : 0) + 1;
+    if (cell.size() >= want) return;
+    cell.resize(want);
+    mark[0].resize(want, 0);
+    mark[1].resize(want, 0);
+  }
+
   // Starts empty patterns on both sides.
   void begin() {
     ++stamp;
@@ -49,6 +59,11 @@ struct BlockWork {
     double* v = cell[k].v[side];
     v[0] = v[1] = v[2] = v[3] = 0.0;
   }
+  // Zeroes the block of index j on a side, the pattern left as it is.
+  void zero(int side, int32_t j) {
+    double* v = cell[static_cast<std::size_t>(j)].v[side];
+    v[0] = v[1] = v[2] = v[3] = 0.0;
+  }
   const double* block(int side, int32_t j) const {
     return cell[static_cast<std::size_t>(j)].v[side];
   }
@@ -61,6 +76,20 @@ struct BlockWork {
   }
 };
 
+// Two doubles worked on together: one row of a block.  Each lane does the
+// same multiplications and additions in the same order as plain doubles would,
+// so the results are the same to the last bit.
+typedef double Pair __attribute__((vector_size(16)));
+
+inline Pair pair_at(const double* v) {
+  Pair p;
+  __builtin_memcpy(&p, v, sizeof p);
+  return p;
+}
+inline void put_pair(double* v, Pair p) {
+  __builtin_memcpy(v, &p, sizeof p);
+}
+
 // One side of the work row gets x alpha or alpha x added over the entries.
 // With Add, an index that the side lacks is entered first (fill-in).  On a
 // pattern found before every index is there already, since the pattern of
@@ -70,6 +99,10 @@ template <bool Add, int Side>
 inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const BlockEntry* x,
                          const double alpha[4]) {
   const double aa = alpha[0], ab = alpha[1], ac = alpha[2], ad = alpha[3];
+  // Side 0: row r of x alpha is x[r][0] (aa, ab) + x[r][1] (ac, ad).
+  // Side 1: row r of alpha x is alpha[r][0] (pa, pb) + alpha[r][1] (pc, pd).
+  const Pair top = {aa, ab}, bottom = {ac, ad};
+  const Pair saa = {aa, aa}, sab = {ab, ab}, sac = {ac, ac}, sad = {ad, ad};
   BlockWork::Cell* cell = w.cell.data();
   for (int32_t t = 0; t < m; ++t) {
     const int32_t j = xj[t];
@@ -78,17 +111,14 @@ inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const Block
     }
     double* v = cell[j].v[Side];
     const double* xv = x[t].v[Side];
-    const double pa = xv[0], pb = xv[1], pc = xv[2], pd = xv[3];
     if constexpr (Side == 0) {
-      v[0] += pa * aa + pb * ac;
-      v[1] += pa * ab + pb * ad;
-      v[2] += pc * aa + pd * ac;
-      v[3] += pc * ab + pd * ad;
+      const Pair pa = {xv[0], xv[0]}, pb = {xv[1], xv[1]}, pc = {xv[2], xv[2]}, pd = {xv[3], xv[3]};
+      put_pair(v, pair_at(v) + (pa * top + pb * bottom));
+      put_pair(v + 2, pair_at(v + 2) + (pc * top + pd * bottom));
     } else {
-      v[0] += aa * pa + ab * pc;
-      v[1] += aa * pb + ab * pd;
-      v[2] += ac * pa + ad * pc;
-      v[3] += ac * pb + ad * pd;
+      const Pair ptop = pair_at(xv), pbottom = pair_at(xv + 2);
+      put_pair(v, pair_at(v) + (saa * ptop + sab * pbottom));
+      put_pair(v + 2, pair_at(v + 2) + (sac * ptop + sad * pbottom));
     }
   }
 }

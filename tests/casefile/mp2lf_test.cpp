@@ -1,10 +1,11 @@
 // The MATPOWER importer, run as a program: its files must read back through
-// rdlf into the admittances that MATPOWER forms from the same data.
+// rdlf into the admittances that MATPOWER forms from the same data. (The
+// bundled cases, converted and solved, are compared with MATPOWER's
+// solutions by the validation tests.)
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <complex>
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <sstream>
@@ -25,17 +26,10 @@ using Ybus = std::map<std::pair<int, int>, cplx>;
 const std::string kData = std::string(LF_TEST_DATA_DIR) + "/matpower/";
 
 // The numeric rows of "mpc.NAME = [ ... ];", comments taken out.
-Rows matpower_rows(const std::string& raw, const std::string& name) {
+Rows matpower_rows(std::string text, const std::string& name) {
   // A row may go on in the next line behind "...".
-  std::string text;
-  for (std::size_t c = 0; c < raw.size(); ++c) {
-    if (raw.compare(c, 3, "...") == 0) {
-      c = raw.find('\n', c);
-      text += ' ';
-      continue;
-    }
-    text += raw[c];
-  }
+  for (std::size_t c; (c = text.find("...")) != std::string::npos;)
+    text.replace(c, text.find('\n', c) + 1 - c, 1, ' ');
   const std::size_t at = text.find(std::string("mpc.").append(name).append(" = ["));
   EXPECT_NE(at, std::string::npos) << name;
   std::istringstream in(text.substr(text.find('[', at) + 1));
@@ -120,74 +114,6 @@ class Mp2lf : public CaseFiles {
   }
 };
 
-// The columns of a gzip-compressed reference table, rows in file order.
-Rows reference_rows(const std::string& path) {
-  Rows rows;
-  std::FILE* p = ::popen(("gzip -dc " + path).c_str(), "r");
-  if (!p) return rows;
-  std::string text;
-  char buf[4096];
-  for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
-  ::pclose(p);
-  std::istringstream in(text);
-  std::string line;
-  std::getline(in, line);  // the header
-  while (std::getline(in, line)) {
-    std::vector<double> row;
-    std::istringstream fields(line);
-    for (std::string f; std::getline(fields, f, ',');)
-      row.push_back(std::strtod(f.c_str(), nullptr));
-    rows.push_back(row);
-  }
-  return rows;
-}
-
-// Every bundled case converts and reads back into MATPOWER's admittances,
-// and with MATPOWER's solved voltages the converted network carries exactly
-// the converted injections: P and Q at load buses, P at voltage-controlled
-// buses, whose voltage is the generators' set point.
-TEST_F(Mp2lf, ConvertedCasesHaveMatpowersAdmittancesAndBalanceAtItsSolution) {
-  for (const char* c :
-       {"case9", "case14", "case30", "case57", "case118", "case300", "case2383wp"}) {
-    SCOPED_TRACE(c);
-    convert_and_read(kData + c + ".m");
-    EXPECT_THAT(messages(), IsEmpty());
-    const Ybus want = matpower_ybus(test::slurp_file(kData + c + ".m")), got = engine_ybus();
-    ASSERT_EQ(got.size(), want.size());
-    for (const auto& [at, y] : want)
-      EXPECT_LE(std::abs(got.at(at) - y), 1e-12 * std::max(1.0, std::abs(y)));
-    const std::string variant = std::string(c) == "case2383wp" ? "case2383wp_noshift" : c;
-    const Rows bus = reference_rows(kData + "solutions/" + variant + "/bus.csv.gz");
-    ASSERT_EQ(static_cast<int>(bus.size()), LFINF.nbus);
-    std::vector<cplx> v(bus.size() + 1), s(bus.size() + 1), given(bus.size() + 1);
-    for (std::size_t i = 1; i <= bus.size(); ++i)
-      v[i] = std::polar(bus[i - 1][2], bus[i - 1][3] * std::acos(-1.0) / 180);
-    for (const auto& [at, y] : got) {
-      const auto [i, j] = at;
-      s[i] += y * v[j];
-      if (i != j) s[j] += y * v[i];
-    }
-    std::vector<int> type(bus.size() + 1, 1);
-    for (int g = 1; g <= LFINF.ngenerat; ++g) {
-      const int b = L5.ibs[g];
-      given[b] += cplx(L5.P[g], L5.Q[g]);
-      type[b] = std::min(type[b], L5.mode_ctrl[g]);
-      if (L5.mode_ctrl[g] < 1) {
-        EXPECT_NEAR(std::abs(v[b]), L5.V[g], 1e-9) << "bus " << b;
-      }
-    }
-    for (int d = 1; d <= LFINF.nload; ++d) given[L6.ibs[d]] -= cplx(L6.P[d], L6.Q[d]);
-    for (std::size_t i = 1; i <= bus.size(); ++i) {
-      const cplx flow = v[i] * std::conj(s[i]);
-      if (type[i] == 0) continue;
-      EXPECT_NEAR(flow.real(), given[i].real(), 1e-6) << "bus " << i;
-      if (type[i] == 1) {
-        EXPECT_NEAR(flow.imag(), given[i].imag(), 1e-6) << "bus " << i;
-      }
-    }
-  }
-}
-
 // A case with what the bundled ones lack: names with quotes, a bus of type
 // 4, elements out of service, infinite limits, a line parallel to a
 // transformer, a charged transformer, rows over two lines.
@@ -239,27 +165,17 @@ TEST_F(Mp2lf, FollowsTheConversionRules) {
   rdlf(name(), lib());
   EXPECT_THAT(messages(), IsEmpty());
   EXPECT_EQ(LFINF.base_mva, 50.0);
-  EXPECT_EQ(LFINF.method, 0);
   EXPECT_EQ(LFINF.tolerance, 1e-6);
-  EXPECT_EQ(LFINF.iteration, 20);
   EXPECT_EQ(L1.busname[1].trimmed(), "North's");
   EXPECT_EQ(L1.busname[3].trimmed(), "A name longer than t");
   EXPECT_EQ(LL1.busarea[3], 2);
   EXPECT_DOUBLE_EQ(LL1.busvmax[3], 1.05);
 
-  // The two lines of 10-20 side by side; the pair 20-40 with its
-  // transformer wholly in .L3, ratio at the J end (the from bus); shunts last.
+  // Lines, shunts and transformers (ratio at the from bus) show in the
+  // admittances below; what the file order adds: shunt rows after the lines.
   ASSERT_EQ(LFINF.nacline, 7);
-  EXPECT_EQ(IJB.No[1], 1);
-  EXPECT_EQ(IJB.No[2], 6);
-  EXPECT_EQ(RXB.B[2], 0.0);
-  for (int k = 3; k <= 7; ++k) EXPECT_EQ(IJB.I[k], IJB.J[k]);
   ASSERT_EQ(LFINF.ntrans, 2);
-  EXPECT_EQ(IJB.I[8], 3);
-  EXPECT_EQ(IJB.J[8], 2);
-  EXPECT_EQ(RXB.T[8], 0.95);
-  EXPECT_EQ(IJB.No[9], 3);
-  EXPECT_EQ(RXB.T[9], 1.0);
+  for (int k = 3; k <= 7; ++k) EXPECT_EQ(IJB.I[k], IJB.J[k]);
 
   ASSERT_EQ(LFINF.ngenerat, 3);
   EXPECT_EQ(L5.mode_ctrl[1], 0);

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "netprep/fixture.hpp"
@@ -7,6 +8,9 @@ namespace lf {
 namespace {
 
 using namespace testnet;
+using ::testing::DoubleNear;
+using ::testing::ElementsAre;
+using ::testing::Pointwise;
 
 TEST(Dwgen, MergesUnitsOfABusAndKeepsTheirShares) {
   reset(6);
@@ -22,26 +26,17 @@ TEST(Dwgen, MergesUnitsOfABusAndKeepsTheirShares) {
   ASSERT_EQ(LFINF.ngenerat, 4);
   EXPECT_EQ(L5OLD.ngenold, 7);
   EXPECT_EQ(L5OLD.genmerged, 1);
-  // The merged rows, compacted in the order of their first unit.
-  EXPECT_EQ(L5.ibs[1], 2);
+  // The merged rows, compacted in the order of their first unit; the slack
+  // stays a slack and the limits move with the row.
+  EXPECT_THAT(column(L5.ibs, 4), ElementsAre(2, 3, 4, 5));
+  EXPECT_THAT(column(L5.mode_ctrl, 4), ElementsAre(-1, 0, -1, -1));
+  EXPECT_THAT(column(L5.merged, 4), ElementsAre(2, 2, 2, 0));
   EXPECT_DOUBLE_EQ(L5.P[1], 0.4);
   EXPECT_DOUBLE_EQ(L5.Q[1], 0.06);
-  EXPECT_EQ(L5.mode_ctrl[1], -1);
-  EXPECT_EQ(L5.merged[1], 2);
-  EXPECT_EQ(L5.ibs[2], 3);
-  EXPECT_EQ(L5.mode_ctrl[2], 0);  // the slack stays a slack
-  EXPECT_EQ(L5.ibs[3], 4);
-  EXPECT_EQ(L5.ibs[4], 5);
-  EXPECT_EQ(L5.merged[4], 0);
-  EXPECT_EQ(L5P.Qmax[4], 70.0);  // limits moved with the row
-
-  const int32_t map[] = {0, 1, 2, 1, 3, 2, 3, 4};
-  const double share[] = {0, 0.75, 0.5, 0.25, 0.5, 0.5, 0.5, 1.0};
-  for (int32_t r = 1; r <= 7; ++r) {
-    EXPECT_EQ(L5OLD.map[r], map[r]) << r;
-    EXPECT_NEAR(L5OLD.share[r], share[r], 1e-15) << r;
-  }
-  EXPECT_EQ(L5OLD.ibs[3], 2);
+  EXPECT_EQ(L5P.Qmax[4], 70.0);
+  EXPECT_THAT(column(L5OLD.map, 7), ElementsAre(1, 2, 1, 3, 2, 3, 4));
+  EXPECT_THAT(column(L5OLD.share, 7),
+              Pointwise(DoubleNear(1e-15), std::vector{0.75, 0.5, 0.25, 0.5, 0.5, 0.5, 1.0}));
   EXPECT_EQ(L5OLD.mode_ctrl[3], -2);
 }
 
@@ -57,14 +52,10 @@ TEST(Dwload, FoldsLoadsOfABusAndKeepsThemAsRead) {
   ASSERT_EQ(LFINF.nload, 3);
   EXPECT_EQ(L6PP.nloadold, 5);
   EXPECT_EQ(L6PP.No[3], 13);
-  EXPECT_EQ(L6.ibs[1], 2);
-  EXPECT_EQ(L6.No[1], 0);
-  EXPECT_EQ(L6.mode_ctrl[1], -1);
-  EXPECT_DOUBLE_EQ(L6.P[1], 0.3);
-  EXPECT_EQ(L6.No[2], 12);
-  EXPECT_EQ(L6.ibs[3], 4);
-  EXPECT_EQ(L6.mode_ctrl[3], 0);
-  EXPECT_DOUBLE_EQ(L6.P[3], 0.5);
+  EXPECT_THAT(column(L6.ibs, 3), ElementsAre(2, 3, 4));
+  EXPECT_THAT(column(L6.No, 3), ElementsAre(0, 12, 0));
+  EXPECT_THAT(column(L6.mode_ctrl, 3), ElementsAre(-1, 1, 0));
+  EXPECT_THAT(column(L6.P, 3), Pointwise(DoubleNear(1e-15), std::vector{0.3, 0.3, 0.5}));
 
   // Without loadshare the loads stay as they are.
   reset(2);

@@ -1,7 +1,6 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -13,6 +12,7 @@ namespace lf {
 namespace {
 
 using namespace testnet;
+using ::testing::ElementsAre;
 
 std::string named(const char* name, int32_t n) {
   BusName out;
@@ -31,26 +31,17 @@ TEST(Addname, NumberFieldGrowsByDivisionByTwenty) {
   EXPECT_EQ(named("SUBSTATION_NORTH_BUS", 7), "SUBSTATI_7_NORTH_BUS");
 }
 
-TEST(Dwbus, ClosedGroupKeepsOneNode) {
+TEST(Dwbus, ClosedGroupKeepsOneNodeAndRecordsWithoutNodesArePassedOver) {
   reset(5);
   switch_record(1, 1, 1, 2, 1);
   switch_record(1, 1, 2, 3, 1);
-  dwsubij();
-  EXPECT_EQ(NO.nnode, 5);
-  for (int32_t k = 1; k <= 2; ++k) {
-    EXPECT_EQ(L13.I[k], 1);
-    EXPECT_EQ(L13.J[k], 1);
-  }
-}
-
-TEST(Dwbus, RecordsWithoutNodesOrBusArePassedOver) {
-  reset(3);
   switch_record(1, 1, 0, 2, 0);
   switch_record(7, 1, 1, 2, 0);        // group is no bus of the case
   switch_record(2, 1, 2, 2000000, 0);  // end beyond any node number
   dwsubij();
-  EXPECT_EQ(NO.nnode, 3);
-  EXPECT_EQ(L13.J[3], 2000000);
+  EXPECT_EQ(NO.nnode, 5);
+  EXPECT_THAT(column(L13.I, 5), ElementsAre(1, 1, 0, 1, 2));
+  EXPECT_THAT(column(L13.J, 5), ElementsAre(1, 1, 2, 2, 2000000));
 }
 
 TEST(Dwbus, OpenSwitchSplitsAndMovesTheBranchOnItsSide) {
@@ -69,61 +60,39 @@ TEST(Dwbus, OpenSwitchSplitsAndMovesTheBranchOnItsSide) {
   EXPECT_EQ(L13.J[2], 6);
   // Branch 7 and load 3 hang on the switch's open side, branch 8 on the
   // side that kept the bus number.
-  EXPECT_EQ(IJB.I[1], 6);
+  EXPECT_THAT(column(IJB.I, 2), ElementsAre(6, 1));
   EXPECT_EQ(IJB.J[1], 4);
-  EXPECT_EQ(IJB.I[2], 1);
   EXPECT_EQ(L6.ibs[1], 6);
 }
 
+// A string of three switches closes only with all three closed. The
+// branch tap (line1) goes with the first switch, the load tap (load2) with
+// the third.
 TEST(Dwbus, SwitchStringNeedsAllThreeClosed) {
-  // 1-1-0: state 0, so the ends stay apart; the taps go to I, which kept
-  // the bus number, so nothing moves.
-  reset(4);
-  branch(1, 3, 7, 0.1);
-  switch_record(1, 3, 1, 2, 1, 1, 0, 7);
-  dwsubij();
-  EXPECT_EQ(NO.nnode, 5);
-  EXPECT_EQ(L13.J[1], 5);
-  EXPECT_EQ(IJB.I[1], 1);
-
-  // 0-1-1: both taps go to J, the new node.
-  reset(4);
-  branch(1, 3, 7, 0.1);
-  load(1, 2, 1, 0.2, 0.0);
-  switch_record(1, 3, 1, 2, 0, 1, 1, 7, 0, 0, 2);
-  dwsubij();
-  EXPECT_EQ(NO.nnode, 5);
-  EXPECT_EQ(IJB.I[1], 5);
-  EXPECT_EQ(L6.ibs[1], 5);
-
-  // 0-0-0: each used tap gets a node of its own behind the two ends' nodes.
-  reset(4);
-  branch(1, 3, 7, 0.1);
-  load(1, 2, 1, 0.2, 0.0);
-  switch_record(1, 3, 1, 2, 0, 0, 0, 7, 0, 0, 2);
-  dwsubij();
-  ASSERT_EQ(NO.nnode, 7);
-  EXPECT_EQ(IJB.I[1], 6);
-  EXPECT_EQ(L6.ibs[1], 7);
+  const struct {
+    int32_t sw1, sw2, sw3, nnode, branch_end, load_bus;
+  } cases[] = {
+      {1, 1, 0, 5, 1, 1},  // both taps stay with I, which kept the bus number
+      {0, 1, 1, 5, 5, 5},  // both taps go to J, the new node
+      {0, 0, 0, 7, 6, 7},  // each tap a node of its own behind the two ends
+      {0, 1, 0, 6, 6, 6},  // one node takes both taps
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.sw1 << c.sw2 << c.sw3);
+    reset(4);
+    branch(1, 3, 7, 0.1);
+    load(1, 2, 1, 0.2, 0.0);
+    switch_record(1, 3, 1, 2, c.sw1, c.sw2, c.sw3, 7, 0, 0, 2);
+    dwsubij();
+    ASSERT_EQ(NO.nnode, c.nnode);
+    EXPECT_EQ(IJB.I[1], c.branch_end);
+    EXPECT_EQ(L6.ibs[1], c.load_bus);
+  }
   EXPECT_EQ(NNTOON[7], 1);
   EXPECT_EQ(L1.busname[7].str(), "B1      _3          ");
-
-  // 0-1-0: one node takes both taps.
-  reset(4);
-  branch(1, 3, 7, 0.1);
-  load(1, 2, 1, 0.2, 0.0);
-  switch_record(1, 3, 1, 2, 0, 1, 0, 7, 0, 0, 2);
-  dwsubij();
-  ASSERT_EQ(NO.nnode, 6);
-  EXPECT_EQ(IJB.I[1], 6);
-  EXPECT_EQ(L6.ibs[1], 6);
 }
 
 TEST(Chl23, MissingBranchIsReportedAndTheLoadStillMoves) {
-  auto dir = std::filesystem::temp_directory_path() / "lf_netprep_chl23";
-  std::filesystem::create_directories(dir);
-  auto here = std::filesystem::current_path();
-  std::filesystem::current_path(dir);
   errlist_open();
   reset(4);
   branch(1, 3, 7, 0.1);
@@ -133,15 +102,12 @@ TEST(Chl23, MissingBranchIsReportedAndTheLoadStillMoves) {
   dwsubij();
   errlist_close();
   EXPECT_EQ(L6.ibs[1], 5);
-  std::ifstream in("LFERR.LIS");
   std::stringstream text;
-  text << in.rdbuf();
-  std::filesystem::current_path(here);
+  text << std::ifstream("LFERR.LIS").rdbuf();
   EXPECT_EQ(text.str(),
             " ****** Operation Error Information ******\n"
             "line No.    99 that the substation indicated but it is not in AC line & Trans.\n"
             "load No.  55 that the substation indicated but it  is not in Load Data.\n");
-  std::filesystem::remove_all(dir);
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 
 #include "support/fmt.hpp"
@@ -132,6 +135,54 @@ TEST(Fmt, FixedPointRoundsAndOverflowsToAsterisks) {
   EXPECT_EQ(fmt_f(3.0, 4, 0), "  3.");
   EXPECT_EQ(fmt_f(-0.0001, 7, 2), "  -0.00");
   EXPECT_EQ(fmt_f(2.675, 6, 2), "  2.67");  // 2.675 is stored just below the tie
+}
+
+// Fw.d as printf's correctly rounded %.*f gives it: a point added when d is
+// 0, the zero before the point dropped when too wide, asterisks on overflow.
+std::string printf_field(double v, int w, int d) {
+  char buf[400];
+  std::snprintf(buf, sizeof buf, "%.*f", d, v);
+  std::string s(buf);
+  if (d == 0) s += '.';
+  const std::size_t z = s[0] == '-' ? 1 : 0;
+  if (static_cast<int>(s.size()) > w && s.size() > z + 1 && s[z] == '0' && s[z + 1] == '.')
+    s.erase(z, 1);
+  if (static_cast<int>(s.size()) > w) return std::string(static_cast<std::size_t>(w), '*');
+  return std::string(static_cast<std::size_t>(w) - s.size(), ' ') + s;
+}
+
+TEST(Fmt, FixedPointEqualsPrintfForRandomValuesTiesAndHugeValues) {
+  std::mt19937_64 gen(12345);
+  std::uniform_int_distribution<int> width(0, 26), places(0, 21), scale(-30, 30);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  std::uniform_int_distribution<uint64_t> any_bits;
+  for (int n = 0; n < 200000; ++n) {
+    const int w = width(gen), d = places(gen);
+    double v;
+    switch (n % 4) {
+      case 0:  // any magnitude
+        v = unit(gen) * std::pow(10.0, scale(gen));
+        break;
+      case 1: {  // an exact tie one place past the last digit kept
+        const int k = std::min(d + 1, 60);
+        v = std::ldexp(static_cast<double>(any_bits(gen) >> 12 | 1), -k) * (n % 8 == 1 ? -1 : 1);
+        break;
+      }
+      case 2:  // any bit pattern: subnormals, huge values, NaN and infinities
+        v = std::bit_cast<double>(any_bits(gen));
+        break;
+      default:  // a few places, so near-ties and carries into a new digit
+        v = std::round(unit(gen) * 1e6) / std::pow(10.0, d % 8) + (n % 3 == 0 ? 0.5 : 0.0);
+    }
+    if (!std::isfinite(v)) continue;
+    ASSERT_EQ(fmt_f(v, w, d), printf_field(v, w, d)) << v << " F" << w << "." << d;
+  }
+  EXPECT_EQ(fmt_f(0.5, 2, 0), "0.");
+  EXPECT_EQ(fmt_f(0.5, 1, 0), ".");
+  EXPECT_EQ(fmt_f(1.5, 3, 0), " 2.");
+  EXPECT_EQ(fmt_f(-0.0, 5, 2), "-0.00");
+  EXPECT_EQ(fmt_f(9.9999999, 4, 2), "****");  // the carry makes 10.00
+  EXPECT_EQ(fmt_f(1e300, 20, 10), std::string(20, '*'));
 }
 
 TEST(Fmt, IntegersExponentsAndText) {
