@@ -27,11 +27,10 @@
 #include <vector>
 
 #include "casefile/readers.hpp"
-#include "dcline/dcline.hpp"
-#include "engine/channels.hpp"
-#include "engine/errlist.hpp"
-#include "engine/newlf.hpp"
-#include "engine/store.hpp"
+#include "control/dcline.hpp"
+#include "driver/newlf.hpp"
+#include "io/channels.hpp"
+#include "io/errlist.hpp"
 #include "lfengine.h"
 #include "methods/newton.hpp"
 #include "methods/pqdecp.hpp"
@@ -39,6 +38,7 @@
 #include "report/reports.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/store.hpp"
 #include "sparse/blockfactor.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/symfactor.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 namespace {

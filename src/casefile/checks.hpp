@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "casefile/checks.hpp"
-#include "engine/channels.hpp"
-#include "engine/errlist.hpp"
+#include "io/channels.hpp"
+#include "io/errlist.hpp"
 #include "support/freeread.hpp"
 #include "support/stop.hpp"
 

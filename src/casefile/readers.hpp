@@ -10,7 +10,7 @@
 
 #include <string>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 
@@ -29,5 +29,13 @@ void rl7(const std::string& path);     // area schedules
 void rl10(const std::string& path);    // scaling factors
 void rl13(const std::string& path);    // substation switch records
 void rpalib(const std::string& path);  // static load parameter sets
+
+// Reads NAME.INC in the current folder into casename, datalibname and
+// udlibname, or takes the defaults when there is no such file.
+void read_names();
+
+// Writes the branch data that the user-defined models changed back into the
+// case's .L2 and .L3 files.
+void wrl23(const CaseName& name);
 
 }  // namespace lf

@@ -2,10 +2,10 @@
 
 #include <cmath>
 
-#include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/lfudot.hpp"
+#include "store/vpq.hpp"
 #include "support/fmt.hpp"
-#include "udmodel/lfudot.hpp"
 
 namespace lf {
 

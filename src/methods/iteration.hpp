@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 #include "support/arr.hpp"
 
 namespace lf {

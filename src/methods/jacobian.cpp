@@ -6,12 +6,12 @@
 // types, and the factors found on the first iteration serve all later ones.
 #include <cmath>
 
-#include "engine/store.hpp"
 #include "methods/newton.hpp"
 #include "methods/newton_frame.hpp"
-#include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
-#include "udmodel/lfudot.hpp"
+#include "store/lfudot.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 

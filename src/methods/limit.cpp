@@ -1,8 +1,8 @@
 #include "methods/limit.hpp"
 
-#include "engine/store.hpp"
 #include "methods/iteration.hpp"
-#include "methods/vpq.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 

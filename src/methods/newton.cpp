@@ -10,7 +10,7 @@
 #include <cmath>
 #include <optional>
 
-#include "dcline/dcline.hpp"
+#include "control/dcline.hpp"
 #include "methods/newton_frame.hpp"
 
 namespace lf {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string>
 
-#include "engine/channels.hpp"
+#include "io/channels.hpp"
 #include "methods/limit.hpp"
 #include "sparse/blockfactor.hpp"
 #include "sparse/ymatrix.hpp"

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string_view>
 
-#include "engine/store.hpp"
 #include "methods/iteration.hpp"
-#include "methods/vpq.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 #include "support/arr.hpp"
 
 namespace lf {

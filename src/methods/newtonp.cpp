@@ -2,8 +2,8 @@
 // power mismatches themselves.  Its status is the decoupled start's: only an
 // interruption changes it, so a run to the limit of iterations after a start
 // that reached 0.5 still counts as converged.
-#include "dcline/dcline.hpp"
-#include "engine/channels.hpp"
+#include "control/dcline.hpp"
+#include "io/channels.hpp"
 #include "methods/newton.hpp"
 #include "methods/newton_frame.hpp"
 #include "methods/pqdecp.hpp"

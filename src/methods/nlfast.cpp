@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "dcline/dcline.hpp"
+#include "control/dcline.hpp"
 #include "methods/newton.hpp"
 #include "methods/newton_frame.hpp"
 #include "support/fmt.hpp"

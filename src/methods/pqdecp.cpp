@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "dcline/dcline.hpp"
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
+#include "control/dcline.hpp"
+#include "io/channels.hpp"
 #include "methods/iteration.hpp"
 #include "methods/limit.hpp"
-#include "methods/vpq.hpp"
 #include "sparse/symfactor.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 

@@ -8,13 +8,17 @@
 
 #include <cstdint>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 #include "support/arr.hpp"
 
 namespace lf {
 
 // The whole stage: substations, merging, opened ends, islands.
 void dwsubij();
+
+// Appends a branch to ground for each transformer whose magnetising
+// impedance is not negligible, and sets NO.nbranch.
+void dwrmxm();
 
 // ---- substations ----------------------------------------------------------
 

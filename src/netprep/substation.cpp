@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/errlist.hpp"
+#include "io/errlist.hpp"
 #include "netprep/netprep.hpp"
 #include "support/fmt.hpp"
 #include "support/growarr.hpp"

@@ -3,12 +3,12 @@
 #include <cmath>
 #include <string>
 
-#include "dcline/dcline.hpp"
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
-#include "methods/vpq.hpp"
+#include "control/dcline.hpp"
+#include "io/channels.hpp"
 #include "report/reports.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 #include "support/fmt.hpp"
 
 namespace lf {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "dcline/dcline.hpp"
+#include "control/dcline.hpp"
 #include "report/reportfile.hpp"
 #include "support/fmt.hpp"
 

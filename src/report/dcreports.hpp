@@ -2,7 +2,7 @@
 // per-unit data, and .LP4, the compact form.
 #pragma once
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 

@@ -7,14 +7,14 @@
 #include <unordered_map>
 #include <vector>
 
-#include "engine/channels.hpp"
-#include "methods/vpq.hpp"
+#include "io/channels.hpp"
 #include "report/area.hpp"
 #include "report/dcreports.hpp"
 #include "report/reportfile.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/lfudot.hpp"
+#include "store/vpq.hpp"
 #include "support/fmt.hpp"
-#include "udmodel/lfudot.hpp"
 
 namespace lf {
 

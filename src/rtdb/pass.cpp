@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "engine/channels.hpp"
+#include "io/channels.hpp"
 #include "support/fmt.hpp"
 
 namespace lf {

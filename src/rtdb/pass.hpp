@@ -7,8 +7,8 @@
 #include <string>
 
 #include "cli.h"
-#include "engine/store.hpp"
 #include "rtdb/rtdbls.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 

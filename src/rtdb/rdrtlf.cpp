@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "casefile/checks.hpp"
-#include "engine/store.hpp"
 #include "rtdb/pass.hpp"
 #include "rtdb/rtdb.hpp"
 #include "rtdb/rtdbls.hpp"
 #include "rtdb/rtlfcase.hpp"
+#include "store/store.hpp"
 #include "support/fmt.hpp"
 
 namespace lf {

@@ -11,17 +11,16 @@
 #include <map>
 #include <tuple>
 
-#include "dcline/dcline.hpp"
-#include "engine/newlf.hpp"
-#include "engine/store.hpp"
-#include "methods/vpq.hpp"
+#include "control/dcline.hpp"
 #include "report/reports.hpp"
 #include "rtdb/pass.hpp"
 #include "rtdb/rtdb.hpp"
 #include "rtdb/rtdbls.hpp"
 #include "rtdb/rtlfcase.hpp"
 #include "sparse/ymatrix.hpp"
-#include "udmodel/lfudot.hpp"
+#include "store/lfudot.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "engine/store.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
 #include "support/growarr.hpp"
 
 namespace lf {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 #include "support/sortsearch.hpp"
 
 namespace lf {

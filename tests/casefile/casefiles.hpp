@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
+#include "io/channels.hpp"
+#include "store/store.hpp"
 
 namespace lf::test {
 

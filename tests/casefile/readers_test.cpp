@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "casefiles.hpp"
-#include "engine/errlist.hpp"
+#include "io/errlist.hpp"
 
 namespace lf {
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "methods/net.hpp"
-#include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 namespace {

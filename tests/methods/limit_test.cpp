@@ -5,7 +5,7 @@
 
 #include "methods/iteration.hpp"
 #include "methods/net.hpp"
-#include "methods/vpq.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
+#include "io/channels.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
 
 namespace lf::test {
 

@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
+#include "io/channels.hpp"
 #include "methods/net.hpp"
-#include "methods/vpq.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 #include "toolkit/headless.hpp"
 #include "toolkit/toolkit.hpp"
 

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/channels.hpp"
+#include "io/channels.hpp"
 #include "methods/iteration.hpp"
 #include "methods/net.hpp"
-#include "methods/vpq.hpp"
 #include "sparse/ordering.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf::testnet {
 

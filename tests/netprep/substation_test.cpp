@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "engine/errlist.hpp"
+#include "io/errlist.hpp"
 #include "netprep/fixture.hpp"
 #include "netprep/netprep.hpp"
 

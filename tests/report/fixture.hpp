@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
-#include "methods/vpq.hpp"
+#include "io/channels.hpp"
 #include "sparse/ymatrix.hpp"
-#include "udmodel/lfudot.hpp"
+#include "store/lfudot.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 
 namespace lf::test {
 

@@ -8,8 +8,8 @@
 #include <cmath>
 #include <filesystem>
 
-#include "dcline/dcline.hpp"
-#include "engine/newlf.hpp"
+#include "control/dcline.hpp"
+#include "driver/newlf.hpp"
 #include "report/area.hpp"
 #include "report/fixture.hpp"
 

@@ -10,8 +10,8 @@
 #include <sstream>
 #include <tuple>
 
-#include "engine/newlf.hpp"
-#include "engine/store.hpp"
+#include "driver/newlf.hpp"
+#include "store/store.hpp"
 #include "testdb.hpp"
 
 namespace lf::test {

@@ -1,7 +1,7 @@
 #include <array>
 
-#include "engine/store.hpp"
 #include "rtdb/rtdb.hpp"
+#include "store/store.hpp"
 #include "testdb.hpp"
 
 namespace lf::test {

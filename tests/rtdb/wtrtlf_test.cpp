@@ -1,12 +1,12 @@
 #include <cmath>
 #include <regex>
 
-#include "dcline/dcline.hpp"
-#include "engine/store.hpp"
-#include "methods/vpq.hpp"
+#include "control/dcline.hpp"
 #include "report/reports.hpp"
 #include "rtdb/rtdb.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 #include "testdb.hpp"
 
 namespace lf::test {

@@ -7,8 +7,8 @@
 #include <set>
 #include <vector>
 
-#include "engine/store.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 namespace {

@@ -6,8 +6,8 @@
 #include <random>
 #include <vector>
 
-#include "engine/store.hpp"
 #include "sparse/ordering.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 namespace {

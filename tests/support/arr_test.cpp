@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 namespace {

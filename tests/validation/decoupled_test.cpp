@@ -15,11 +15,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/channels.hpp"
-#include "engine/newlf.hpp"
-#include "engine/store.hpp"
-#include "methods/vpq.hpp"
+#include "driver/newlf.hpp"
+#include "io/channels.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/store.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 namespace {

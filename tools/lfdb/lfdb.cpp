@@ -18,10 +18,10 @@
 #include <tuple>
 
 #include "casefile/readers.hpp"
-#include "engine/channels.hpp"
-#include "engine/store.hpp"
+#include "io/channels.hpp"
 #include "rtdb/rtdbls.hpp"
 #include "rtdb/rtlfcase.hpp"
+#include "store/store.hpp"
 
 extern const char* const kSchemaSql;
 

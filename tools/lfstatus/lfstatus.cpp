@@ -12,7 +12,7 @@
 #include <cstring>
 #include <string>
 
-#include "engine/msglink.hpp"
+#include "io/msglink.hpp"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "dcline/dcline.hpp"
+#include "control/dcline.hpp"
 
 #include <cmath>
 
-#include "methods/vpq.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/vpq.hpp"
 
 namespace lf {
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 

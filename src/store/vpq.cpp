@@ -1,6 +1,6 @@
-#include "methods/vpq.hpp"
+#include "store/vpq.hpp"
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 

@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
-#include "engine/channels.hpp"
-#include "engine/engine_fixture.hpp"
+#include "driver/engine_fixture.hpp"
+#include "io/channels.hpp"
 
 namespace lf::test {
 namespace {

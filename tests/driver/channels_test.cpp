@@ -1,12 +1,12 @@
-#include "engine/channels.hpp"
+#include "io/channels.hpp"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <climits>
 
-#include "engine/engine_fixture.hpp"
-#include "engine/store.hpp"
+#include "driver/engine_fixture.hpp"
+#include "store/store.hpp"
 
 namespace lf::test {
 namespace {

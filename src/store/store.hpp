@@ -214,6 +214,13 @@ extern ABCLCRec ABCLC;
 extern L13Rec L13;
 extern NNTOONRec NNTOON;
 
+// The case names of the present calculation, from NAME.INC or the defaults
+// "LF", "DATALIB" and "UDLIB" (written by read_names, read by every stage
+// that opens a case, library or report file).
+extern CaseName casename;     // stem of the case files and of the reports
+extern CaseName datalibname;  // the load parameter library, for the case reader
+extern CaseName udlibname;    // the library of user-defined models
+
 // Grows every bus-indexed record (L1, LL1, NNTOON) to hold n buses.
 void grow_buses(std::size_t n);
 // Grows every branch-indexed record (IJB, RXB, IJOPEN, IJC, RXC, L2P, L3P, L3PP).

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <string>
 
-#include "engine/channels.hpp"
-#include "engine/engine_fixture.hpp"
-#include "engine/errlist.hpp"
-#include "engine/newlf.hpp"
-#include "engine/store.hpp"
+#include "casefile/readers.hpp"
+#include "driver/engine_fixture.hpp"
+#include "driver/newlf.hpp"
+#include "io/channels.hpp"
+#include "io/errlist.hpp"
+#include "netprep/netprep.hpp"
+#include "store/store.hpp"
 
 namespace lf::test {
 namespace {

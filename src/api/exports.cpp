@@ -3,11 +3,11 @@
 #include <cstring>
 #include <string_view>
 
-#include "engine/channels.hpp"
-#include "engine/msglink.hpp"
-#include "engine/newlf.hpp"
-#include "engine/store.hpp"
+#include "driver/newlf.hpp"
+#include "io/channels.hpp"
+#include "io/msglink.hpp"
 #include "lfengine.h"
+#include "store/store.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf {

@@ -1,4 +1,4 @@
-#include "dcline/dcline.hpp"
+#include "control/dcline.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "engine/msglink.hpp"
+#include "io/msglink.hpp"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -1,6 +1,6 @@
-#include "udmodel/lfudot.hpp"
+#include "store/lfudot.hpp"
 
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 

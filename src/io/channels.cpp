@@ -1,6 +1,6 @@
-#include "engine/channels.hpp"
+#include "io/channels.hpp"
 
-#include "engine/msglink.hpp"
+#include "io/msglink.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf {

@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/msglink.hpp"
+#include "io/msglink.hpp"
 #include "lfengine.h"
 #include "toolkit/headless.hpp"
 #include "toolkit/toolkit.hpp"

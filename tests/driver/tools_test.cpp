@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "engine/engine_fixture.hpp"
+#include "driver/engine_fixture.hpp"
 
 namespace lf::test {
 namespace {

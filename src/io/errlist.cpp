@@ -1,8 +1,8 @@
-#include "engine/errlist.hpp"
+#include "io/errlist.hpp"
 
 #include <string>
 
-#include "engine/channels.hpp"
+#include "io/channels.hpp"
 #include "support/units.hpp"
 
 namespace lf {

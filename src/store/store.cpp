@@ -1,4 +1,4 @@
-#include "engine/store.hpp"
+#include "store/store.hpp"
 
 namespace lf {
 
@@ -91,6 +91,10 @@ L10Rec L10 = sized<L10Rec>(kCapFactor);
 ABCLCRec ABCLC = sized<ABCLCRec>(kCapLoadPar);
 L13Rec L13 = sized<L13Rec>(kCapSwitch);
 NNTOONRec NNTOON = sized<NNTOONRec>(kCapBus);
+
+CaseName casename;
+CaseName datalibname;
+CaseName udlibname;
 
 void grow_buses(std::size_t n) {
   grow_all(n, L1, LL1, NNTOON);

@@ -1,0 +1,107 @@
+// Writing the branch files back: the .L2 and .L3 rows of the case are read
+// again and written with R, X and the third real (B or the ratio T) that
+// the calculation left in the branch records.
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "casefile/readers.hpp"
+#include "support/fmt.hpp"
+#include "support/freeread.hpp"
+
+namespace lf {
+
+namespace {
+
+// One row of a branch file: integers and reals in the order of the file,
+// the kinds given by a pattern such as "IIIIRRRIIIIIRRI".
+struct BranchRow {
+  std::vector<int32_t> ints;
+  std::vector<double> reals;
+};
+
+struct BranchFile {
+  const char* extension;
+  const char* pattern;  // I: integer, R: real, in file order
+  const int* widths;    // output width of each field; reals are F14.6
+  std::vector<BranchRow> rows;
+  std::size_t count = 0;  // rows of the last successful reading
+};
+
+constexpr int kL2Widths[] = {2, 4, 4, 4, 14, 14, 14, 2, 2, 2, 4, 4, 14, 14, 4};
+constexpr int kL3Widths[] = {2, 4, 4, 4, 14, 14, 14, 14, 14, 3, 3,
+                             3, 3, 4, 4, 14, 14, 14, 4,  2,  2, 2};
+BranchFile l2{".L2", "IIIIRRRIIIIIRRI", kL2Widths, {}, 0};
+BranchFile l3{".L3", "IIIIRRRRRIIIIIIRRRIIII", kL3Widths, {}, 0};
+
+bool read_row(FreeReader& in, const std::string& pattern, BranchRow& row) {
+  row.ints.assign(pattern.size(), 0);
+  row.reals.assign(pattern.size(), 0.0);
+  std::vector<ReadItem> items;
+  for (std::size_t k = 0; k < pattern.size(); ++k) {
+    items.push_back(pattern[k] == 'I' ? ReadItem::of(row.ints[k]) : ReadItem::of(row.reals[k]));
+  }
+  return in.read(items);
+}
+
+void read_branch_file(const std::string& stem, BranchFile& file) {
+  FreeReader in;
+  if (!in.open(stem + file.extension)) return;
+  std::size_t n = 0;
+  BranchRow row;
+  while (read_row(in, file.pattern, row)) {
+    if (n == file.rows.size()) file.rows.emplace_back();
+    file.rows[n++] = row;
+  }
+  file.count = n;
+}
+
+// Writes the rows back, with R, X and the third real taken from the first
+// branch of equal ends and number; `ends` turns a row's ends into the form
+// that is compared.
+template <typename Ends>
+void write_branch_file(const std::string& stem, BranchFile& file, Ends ends, bool third_is_ratio) {
+  std::map<std::tuple<int32_t, int32_t, int32_t>, int32_t> first;
+  for (int32_t b = NO.nbranch; b >= 1; --b) first[{IJB.I[b], IJB.J[b], IJB.No[b]}] = b;
+  std::FILE* out = std::fopen((stem + file.extension).c_str(), "w");
+  if (!out) return;
+  const std::string pattern = file.pattern;
+  for (std::size_t r = 0; r < file.count; ++r) {
+    BranchRow& row = file.rows[r];
+    auto hit = first.find({ends(row.ints[1]), ends(row.ints[2]), row.ints[3]});
+    if (hit != first.end()) {
+      const int32_t b = hit->second;
+      row.reals[4] = RXB.R[b];
+      row.reals[5] = RXB.X[b];
+      row.reals[6] = third_is_ratio ? RXB.T[b] : RXB.B[b];
+    }
+    std::string line = " ";
+    for (std::size_t k = 0; k < pattern.size(); ++k) {
+      line += pattern[k] == 'I' ? fmt_i(row.ints[k], file.widths[k])
+                                : fmt_f(row.reals[k], file.widths[k], 6);
+      line += ',';
+    }
+    line += '\n';
+    std::fputs(line.c_str(), out);
+  }
+  std::fclose(out);
+}
+
+}  // namespace
+
+void wrl23(const CaseName& name) {
+  const std::string stem = name.trimmed();
+  if (LFINF.nacline > 0) read_branch_file(stem, l2);
+  if (LFINF.ntrans > 0) read_branch_file(stem, l3);
+  if (l2.count > 0)
+    write_branch_file(
+        stem, l2, [](int32_t v) { return v; }, false);
+  if (l3.count > 0)
+    write_branch_file(
+        stem, l3, [](int32_t v) { return std::abs(v); }, true);
+}
+
+}  // namespace lf

@@ -1,0 +1,165 @@
+#include "driver/newlf.hpp"
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "casefile/readers.hpp"
+#include "control/dcline.hpp"
+#include "io/channels.hpp"
+#include "io/errlist.hpp"
+#include "methods/newton.hpp"
+#include "methods/pqdecp.hpp"
+#include "netprep/netprep.hpp"
+#include "report/area.hpp"
+#include "report/reports.hpp"
+#include "rtdb/rtdb.hpp"
+#include "sparse/ordering.hpp"
+#include "sparse/ymatrix.hpp"
+#include "support/fmt.hpp"
+#include "support/freeread.hpp"
+
+namespace lf {
+
+int32_t NLFAST = 0;
+int32_t adjcount = 0;
+int32_t adjflag = 0;
+
+namespace {
+
+constexpr int32_t kMaxAdjustments = 10;
+// 0.01 held in single precision: hundredths of a second to seconds.
+constexpr double kCentiseconds = 0.0099999997764825821;
+
+// The time of day in hundredths of a second.
+int32_t timer() {
+  using namespace std::chrono;
+  auto now = system_clock::now();
+  std::time_t t = system_clock::to_time_t(now);
+  std::tm local{};
+  localtime_r(&t, &local);
+  auto hundredths = duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000 / 10;
+  return ((local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec) * 100 +
+         static_cast<int32_t>(hundredths);
+}
+
+// Runs the iteration method that LFINF.method selects.
+void run_method(int32_t& convergent) {
+  if (NLFAST != 0) {
+    nlfast(convergent);
+    return;
+  }
+  switch (LFINF.method) {
+    case 1:  // Newton's method with the correction test
+      newton(convergent);
+      break;
+    case 2:  // the optimum-factor method
+      optimu(convergent);
+      break;
+    case 3:  // Newton's method on current equations
+      inewton(convergent);
+      break;
+    case 4:  // Newton's method on power equations
+      newtonp(convergent);
+      break;
+    default:  // 0 and every negative value: the P-Q decoupled method
+      pqdecp(convergent);
+      break;
+  }
+}
+
+// The area interchange loop: the method runs again after each adjustment of
+// the regulating generators, at most ten adjustments in all.
+void iterate(int32_t& convergent) {
+  for (;;) {
+    run_method(convergent);
+    if (LFINF.ctrl_area == 0) return;
+    if (convergent == 0) {
+      wstring("Load Flow Calculation Is Not Convergent");
+      wstring("Area Interchange Will Not Be Readjusted");
+      return;
+    }
+    if (++adjcount > kMaxAdjustments) {
+      wstring("The Number Of Area Adjustment Hit Its Limit");
+      wstring("Area Interchange Will Not Be Readjusted");
+      return;
+    }
+    adjare(adjflag);
+    if (adjflag != 1) return;
+  }
+}
+
+void print_elapsed(int32_t start) {
+  auto seconds = static_cast<int32_t>((timer() - start) * kCentiseconds);
+  int32_t minutes = 0;
+  while (seconds >= 60) {
+    seconds -= 60;
+    ++minutes;
+  }
+  std::string line = " elapsed " + fmt_i(minutes, 3) + ":m" + fmt_i(seconds, 3) + ":s";
+  line.resize(80, ' ');
+  wstring(line);
+}
+
+}  // namespace
+
+void newlf(int32_t& convergent) {
+  convergent = 0;
+  const int32_t start = timer();
+  UPCLF = 0;
+  errlist_open();
+  read_names();
+
+  // The case, from the database or from the case files.
+  if (RTDBLSCMN.rtdbmode != 0) {
+    rdrtlf();
+  } else {
+    rdlf(casename, datalibname);
+  }
+
+  // Network preparation.
+  if (RMXMVALID != 0) dwrmxm();
+  dwsubij();  // substations, merging, opened line ends and islands
+
+  // User-defined models: their reader rudlf(casename, udlibname), then
+  // fmlfar() and udopio() when it found any.  Without them the count stays 0.
+  NU.nud = 0;
+  NU.udout = 0;
+
+  adjcount = 0;
+  NEW.fill(0);
+  fomy11();  // the ordering
+  fomy12();  // the admittance matrix
+  dcval();   // the DC lines
+
+  if (LFINF.method > 4) LFINF.method = 0;
+  iterate(convergent);
+
+  // The results, converged or not, to the database or to the report files.
+  if (RTDBLSCMN.rtdbmode != 0) {
+    wtrtlf(convergent);
+  } else {
+    wtlf(convergent, casename);
+  }
+
+  // The model output (udclio, udwinf, wtmud while NU.nud stays nonzero)
+  // belongs here.
+  MARKL23 = 0;
+  if (CL23 != 0) {
+    wrl23(casename);
+    MARKL23 = 1;
+  }
+  serror();
+  errlist_close();
+  // The model output's closing step: forwinlf(casename, convergent)
+
+  print_elapsed(start);
+  wstring("End of Program.  Please Close the Window....");
+}
+
+}  // namespace lf
