@@ -214,7 +214,10 @@ int main(int argc, char** argv) {
   }
   LFFinilize();
   std::fflush(stdout);
-  if (session > 0) close_database(session, o.db);
+  if (session > 0 && !close_database(session, o.db)) {
+    std::fprintf(stderr, "lfrun: not solved; nothing written to %s\n", o.db.c_str());
+    return kExitNotConverged;
+  }
   std::fprintf(stderr, "lfrun: %s; %s in %s\n", all_converged ? "converged" : "not converged",
                session > 0 ? "results" : "reports",
                session > 0 ? o.db.c_str() : fs::current_path().c_str());
