@@ -19,14 +19,14 @@ targets=("$@")
 bash tools/install-deps.sh --fuzz
 cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
   -DCMAKE_CXX_COMPILER=clang++ -DLF_FUZZ=ON -DLF_BUILD_TESTS=OFF -DLF_BUILD_BENCH=OFF
-cmake --build build-fuzz -j "$(nproc)"
+cmake --build build-fuzz -j "$(nproc)" --target "${targets[@]/#/fuzz_}"
 mkdir -p build-fuzz/findings
 for t in "${targets[@]}"; do
   mkdir -p "build-fuzz/corpus/$t"
   echo "== fuzz_$t"
   log="build-fuzz/fuzz_$t.log"
   status=0
-  "build-fuzz/tests/fuzz/fuzz_$t" "${limit[@]}" -jobs=1 -timeout=10 -print_final_stats=1 \
+  "build-fuzz/tests/fuzz/fuzz_$t" "${limit[@]}" -timeout=10 -print_final_stats=1 \
     -artifact_prefix="build-fuzz/findings/$t-" "build-fuzz/corpus/$t" "tests/fuzz/corpus/$t" \
     >"$log" 2>&1 || status=$?
   grep -E "^(Done|stat::number_of_executed_units)" "$log" || true

@@ -44,6 +44,7 @@ Db& database() {
     std::stringstream schema;
     schema << in.rdbuf();
     sqlite3_open(file.c_str(), &d.db);
+    sqlite3_exec(d.db, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr);
     sqlite3_exec(d.db, schema.str().c_str(), nullptr, nullptr, nullptr);
     for (const char* t : kTables) {
       sqlite3_stmt* q = nullptr;
@@ -58,7 +59,7 @@ Db& database() {
         d.columns[t].insert(reinterpret_cast<const char*>(sqlite3_column_text(q, 1)));
       sqlite3_finalize(q);
     }
-    lf::RTDBLSCMN.session = cli_create("lf", file.c_str(), 0, cli_open_default, 0, 0, 0, 0);
+    lf::RTDBLSCMN.session = cli_create("lf", file.c_str(), 0, cli_open_no_sync, 0, 0, 0, 0);
     lf::RTDBLSCMN.rtdbmode = 1;
     return d;
   }();

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "dbsession.hpp"
+#include "folder.hpp"
 #include "lfengine.h"
 
 namespace {
@@ -29,13 +30,16 @@ void usage(std::FILE* out) {
       "Runs load-flow calculations on the case whose files are CASE_STEM.L0,\n"
       "CASE_STEM.L1 and so on, and prints the engine's lines.  lfrun works in the\n"
       "folder of CASE_STEM: the engine writes its report files (CASE_STEM.LP1, ...)\n"
-      "and its error list LFERR.LIS there.\n"
+      "and its error list LFERR.LIS there.  It locks that folder for the whole run\n"
+      "(the file .lfrun.lock there): a second lfrun in the same folder waits until\n"
+      "the first has ended, so that the two never mix their cases.\n"
       "\n"
       "The engine takes the case name from NAME.INC in that folder (second line),\n"
       "or uses the name LF without one.  lfrun never changes a NAME.INC of yours:\n"
       "  - no NAME.INC and a stem named LF: nothing is written;\n"
       "  - no NAME.INC and another name: lfrun writes one for the run and removes\n"
-      "    it afterwards;\n"
+      "    it afterwards, also when the run is interrupted or terminated; one that\n"
+      "    a run killed outright left behind is replaced;\n"
       "  - a NAME.INC naming this case: it is used as it stands;\n"
       "  - a NAME.INC naming another case: lfrun refuses, unless --name-inc is\n"
       "    given, which replaces that NAME.INC with one naming this case.\n"
@@ -62,8 +66,9 @@ void usage(std::FILE* out) {
       "  --help        shows this text\n"
       "\n"
       "Exit status: 0 when every calculation converged, 1 when one did not (or\n"
-      "was interrupted), 2 on bad usage.  A missing mandatory case file ends the\n"
-      "engine with a stop text and status 1.\n",
+      "was interrupted, or its database could not be read or written), 2 on bad\n"
+      "usage.  A missing mandatory case file ends the engine with a stop text\n"
+      "and status 1.\n",
       out);
 }
 
@@ -84,31 +89,6 @@ bool to_int(const char* text, int& value) {
 int print_line(const char* line) {
   std::puts(line);
   return 0;
-}
-
-// The case name that NAME.INC gives: its second line, first 60 characters,
-// without trailing blanks.
-std::string named_case(const fs::path& name_inc) {
-  std::ifstream in(name_inc);
-  std::string line;
-  std::getline(in, line);
-  line.clear();
-  std::getline(in, line);
-  if (!line.empty() && line.back() == '\r') line.pop_back();
-  line = line.substr(0, kCaseNameWidth);
-  while (!line.empty() && line.back() == ' ') line.pop_back();
-  return line;
-}
-
-void write_name_inc(const fs::path& path, const std::string& name) {
-  std::ofstream(path) << "1\n" << name << "\n\nDATALIB\n\n\n\n\nUDLIB\n";
-}
-
-// A NAME.INC that lfrun wrote for the run, removed when the process ends,
-// also when the engine stops it.
-fs::path temporary_name_inc;
-void remove_temporary_name_inc() {
-  if (!temporary_name_inc.empty()) fs::remove(temporary_name_inc);
 }
 
 struct Options {
@@ -162,33 +142,17 @@ int parse(int argc, char** argv, Options& o) {
   return -1;
 }
 
-// Goes to the case's folder and makes sure that the engine finds the case
-// by its name; returns -1 to go on, else the exit status.
+// Goes to the case's folder, locks it and makes sure that the engine finds
+// the case by its name; returns -1 to go on, else the exit status.
 int enter_case(const Options& o) {
   fs::path stem(o.stem);
   std::string name = stem.filename().string();
   if (name.empty() || name.size() > kCaseNameWidth) {
     return bad_usage("the case name must have 1 to 60 characters: " + o.stem);
   }
-  fs::path folder = stem.parent_path();
-  std::error_code ec;
-  if (!folder.empty()) fs::current_path(folder, ec);
-  if (ec) return bad_usage("cannot enter the folder " + folder.string() + ": " + ec.message());
-  const fs::path name_inc = "NAME.INC";
-  if (fs::exists(name_inc)) {
-    std::string named = named_case(name_inc);
-    if (named == name) return -1;
-    if (!o.replace_name_inc) {
-      return bad_usage("NAME.INC in " + fs::current_path().string() + " names the case '" + named +
-                       "', not '" + name + "'; give --name-inc to replace it");
-    }
-    std::fprintf(stderr, "lfrun: replacing NAME.INC (it named '%s')\n", named.c_str());
-    write_name_inc(name_inc, name);
-  } else if (name != "LF") {
-    write_name_inc(name_inc, name);
-    temporary_name_inc = fs::absolute(name_inc);
-    std::atexit(remove_temporary_name_inc);
-  }
+  if (std::string why = enter_folder(stem.parent_path().string()); !why.empty())
+    return bad_usage(why);
+  if (std::string why = name_case(name, o.replace_name_inc); !why.empty()) return bad_usage(why);
   return -1;
 }
 
@@ -203,7 +167,7 @@ int main(int argc, char** argv) {
   std::snprintf(title, sizeof title, "Load Flow: %s", fs::path(o.stem).filename().c_str());
   int flags = o.flags;
   int session = 0;
-  if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitUsage;
+  if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitNotConverged;
   intptr_t callback = reinterpret_cast<intptr_t>(&print_line);
   int mode = o.mode;
   flags = LFInit(&flags, title, &session, &callback, &mode);

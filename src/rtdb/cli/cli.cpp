@@ -53,6 +53,9 @@ struct Statement {
   bool syntax_ok = false;
   std::string table, where, order;
   std::vector<Column> columns;
+  // The table's declared columns, looked up once for all the bindings.
+  std::vector<std::pair<std::string, Kind>> table_columns;
+  bool table_known = false;
   bool fetched = false, for_update = false, first = true, updated = false;
   long epoch = 0;
   std::vector<sqlite3_int64> rows;
@@ -347,7 +350,9 @@ int cli_create(char const* databaseName, char const* filePath, unsigned, int ope
   int flags = (openAttr & cli_open_readonly) ? SQLITE_OPEN_READONLY
                                              : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   sqlite3* db = nullptr;
-  if (sqlite3_open_v2(path, &db, flags, nullptr) != SQLITE_OK) {
+  // A file that is not a database is refused here, as one that is missing.
+  if (sqlite3_open_v2(path, &db, flags, nullptr) != SQLITE_OK ||
+      !exec(db, "SELECT count(*) FROM sqlite_master")) {
     sqlite3_close(db);
     return cli_database_not_found;
   }
@@ -396,8 +401,10 @@ int cli_column(int statement, char const* column_name, int var_type, int* var_le
       var_type != cli_asciiz)
     return cli_unsupported_type;
   Kind kind = var_type == cli_asciiz ? Kind::Text : Kind::Real8;
-  std::vector<std::pair<std::string, Kind>> cols;
-  if (st->syntax_ok && table_columns(session_of(st->session)->db, st->table, cols)) {
+  if (st->syntax_ok && !st->table_known)
+    st->table_known = table_columns(session_of(st->session)->db, st->table, st->table_columns);
+  if (st->table_known) {
+    const auto& cols = st->table_columns;
     auto it =
         std::find_if(cols.begin(), cols.end(), [&](auto& x) { return x.first == column_name; });
     if (it == cols.end()) return cli_column_not_found;
