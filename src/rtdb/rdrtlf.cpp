@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "casefile/checks.hpp"
+#include "casefile/indexcheck.hpp"
 #include "rtdb/pass.hpp"
 #include "rtdb/rtdb.hpp"
 #include "rtdb/rtdbls.hpp"
@@ -396,6 +397,7 @@ void rdrtlf() {
   int32_t flag = 0;
   if (read_ok() && LFINF.nload > 0) isrlib(flag);
   if (read_ok() && flag > 0) rdrtloadpar();
+  if (read_ok() && LFINF.nload > 0) check_load_types("table ld");
   NO.nbranch = LFINF.nacline + LFINF.ntrans;
   NO.ndc = LFINF.ndcline;
   cli_precommit(RTDBLSCMN.session);
