@@ -11,6 +11,7 @@
 #include <string>
 
 #include "calclog.hpp"
+#include "cli.h"
 #include "dbsession.hpp"
 #include "folder.hpp"
 #include "lfengine.h"
@@ -187,9 +188,13 @@ int main(int argc, char** argv) {
     int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
     const std::string name = fs::path(o.stem).filename().string();
     start_calculation(name);
+    const long writes = session > 0 ? lfcli_writes(session) : 0;
     const bool converged = LFCal(&cal_flags) == 0;
     if (!converged) all_converged = false;
-    finish_calculation(name, o.db, converged, !o.quiet);
+    // In database mode a calculation that wrote nothing has no results to
+    // sum up: the tables hold those of an earlier one.
+    const bool results = session <= 0 || lfcli_writes(session) > writes;
+    finish_calculation(name, o.db, converged, !o.quiet && results);
   }
   LFFinilize();
   std::fflush(stdout);
