@@ -91,12 +91,14 @@ void correction_test(Form form, int32_t& status) {
   double peps = LFINF.tolerance;
   double pbest = 100000000;
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
   int32_t ip = 0;
   for (;;) {  // one pass from the flat start
     heading(form);
     int32_t t = 0;
     double mu = 1;
     inivpq();
+    w.angles_due = false;
     for (;;) {
       if (LFINF.ndcline != 0) dctran();
       form_system(form, w);

@@ -18,10 +18,12 @@ void newtonp(int32_t& status) {
   const double peps = LFINF.tolerance;
   bool firstdone = false;  // the pattern is found once per call, across both passes
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
   int32_t ip = 0;
   for (int32_t pass = 1; pass <= 2; ++pass) {
     LFINF.tolerance = kRoughTolerance;
     pqdecp(status);
+    w.angles_due = false;
     LFINF.tolerance = peps;
     wstring(" ");
     print_heading("Newton Method Iterative Process", 31, "      T         BUS.          MAX(DP,DQ)",
