@@ -99,6 +99,21 @@ void settle_angles(NewtonWork& w) {
     VPQ.TH[i] = (std::fabs(E[i]) > 1e-20 || std::fabs(F[i]) > 1e-20) ? std::atan2(F[i], E[i]) : 0;
 }
 
+void save_buses(NewtonWork& w, BusState& before) {
+  before.save(w.n);
+  w.saved_angles_due = w.angles_due;
+}
+
+void diverge(NewtonWork& w, const BusState& before, std::string_view what, int32_t at,
+             int32_t& status) {
+  status = 0;
+  say_nonfinite(what, at);
+  before.restore(w.n);
+  w.angles_due = w.saved_angles_due;
+  allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
+  power_mismatch(w);
+}
+
 bool limits_hold(NewtonWork& w) {
   int32_t changed = 0;
   limit(w.QC, changed);
