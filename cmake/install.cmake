@@ -6,8 +6,16 @@ include(CMakePackageConfigHelpers)
 
 set(LF_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/lfengine)
 
+# The host programs of tools/ that a user runs.
+set(LF_PROGRAMS)
+foreach(program lfrun lfdb lfstatus mp2lf lfreport)
+  if(TARGET ${program})
+    list(APPEND LF_PROGRAMS ${program})
+  endif()
+endforeach()
+
 # Installed programs find the installed libraries beside them.
-set_target_properties(lfengine lfcli lfrun lfdb lfstatus mp2lf PROPERTIES
+set_target_properties(lfengine lfcli ${LF_PROGRAMS} PROPERTIES
   INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 install(TARGETS lfengine EXPORT lfengineTargets
@@ -16,7 +24,7 @@ install(TARGETS lfengine EXPORT lfengineTargets
 install(TARGETS lfcli EXPORT lfengineTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lfcli)
-install(TARGETS lfrun lfdb lfstatus mp2lf RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS ${LF_PROGRAMS} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(EXPORT lfengineTargets NAMESPACE lfengine:: DESTINATION ${LF_PACKAGE_DIR})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/lfengineConfig.cmake.in
