@@ -3,11 +3,12 @@
 //   mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] [--qlim]
 //
 // writes OUT_STEM.L0, .L1, .L2, .L3, .L5 and .L6, all per unit on the case's
-// base, and OUT_STEM.MAP, one line per bus: its number in the case files and
-// its number in the MATPOWER case (the report tool shows the latter).  Buses of type 4 and
-// everything out of service or attached to such a bus are left out; the other buses are
-// numbered 1..n in file order. Numbers are written in full (the shortest text that reads back to
-// the same double), so that the engine works on exactly MATPOWER's data.
+// base.  Buses of type 4 and everything out of service or attached to such
+// a bus are left out; the other buses are numbered 1..n in file order.
+// Numbers are written in full (the shortest text that reads back to the
+// same double), so that the engine works on exactly MATPOWER's data.
+// OUT_STEM.MAP keeps, one line per bus, its number in the case files and
+// its number in the MATPOWER case, which the report tool shows.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
