@@ -3,22 +3,24 @@
 # times their calculation stage by stage, with MATPOWER's own times where
 # they are known.
 #
-#   bench/run.sh [--repeat N] [--qlim] [--methods "1 2 3 4"] [--small] [--json FILE] [CASE.m ...]
+#   bench/run.sh [--repeat N] [--qlim] [--methods "1 2 3 4"] [--small] [--json FILE]
+#                [--cases DIR] [CASE.m ...]
 #
-# Without cases it takes the shipped MATPOWER cases of tests/data/matpower
-# and grids of about 9,500, 31,000 and 100,000 buses made by gridgen from 4,
+# Without cases it takes the MATPOWER cases of tests/data/matpower, or of
+# DIR, and grids of about 9,500, 31,000 and 100,000 buses made by gridgen from 4,
 # 13 and 42 copies of case2383wp (--small leaves out the two largest); the
 # grids are made in build/bench-grids.  Prints one row per case and method:
 # iterations, the median processor time of each stage, the staged total, the
 # median whole LFCal, the median whole lfrun process and its peak resident
 # memory, MATPOWER's runpf time and its ratio to LFCal.  MATPOWER's times
-# come from timing.csv beside the cases, or from ../shared/cases/matpower
-# when that exists.  --json FILE writes the rows as JSON too.
+# come from the timing.csv beside the cases when there is one.  --json FILE
+# writes the rows as JSON too.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
 repeat=7
 qlim=0
+src=$root/tests/data/matpower
 methods="1 2 3 4"
 small=0
 json=()
@@ -30,20 +32,19 @@ while [ $# -gt 0 ]; do
     --methods) methods=$2; shift 2 ;;
     --small) small=1; shift ;;
     --json) json=(--json "$(realpath -m "$2")"); shift 2 ;;
-    -h|--help) sed -n '2,16p' "$0"; exit 0 ;;
+    --cases) src=$(cd "$2" && pwd); shift 2 ;;
+    -h|--help) sed -n '2,17p' "$0"; exit 0 ;;
     *) cases+=("$(realpath "$1")"); shift ;;
   esac
 done
-src=$root/tests/data/matpower
 timing=$src/timing.csv
-[ -f "$root/../shared/cases/matpower/timing.csv" ] && timing=$root/../shared/cases/matpower/timing.csv
 grids=()
 if [ ${#cases[@]} -eq 0 ]; then
   for c in case9 case14 case30 case57 case118 case300 case2383wp; do
     [ -f "$src/$c.m" ] && cases+=("$src/$c.m")
   done
-  grids=(4 13 42)
-  [ $small = 1 ] && grids=(4)
+  [ -f "$src/case2383wp.m" ] && grids=(4 13 42)
+  [ $small = 1 ] && [ ${#grids[@]} -gt 0 ] && grids=(4)
 fi
 
 build=$root/build
@@ -84,5 +85,6 @@ for method in $methods; do
     dirs+=("$d")
   done
 done
+[ -f "$timing" ] && topt=(--timing "$timing") || topt=()
 "$build/bench/lfbench" --repeat "$repeat" --variant "$variant" --lfrun "$build/lfrun" \
-  --timing "$timing" "${json[@]}" "${dirs[@]}"
+  "${topt[@]}" "${json[@]}" "${dirs[@]}"
