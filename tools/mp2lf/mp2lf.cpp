@@ -3,10 +3,13 @@
 //   mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] [--qlim] [--force]
 //
 // writes OUT_STEM.L0, .L1, .L2, .L3, .L5 and .L6, all per unit on the case's
-// base, and warns about what the engine will not solve as MATPOWER does.  Buses of type 4 and
-// everything out of service or attached to such a bus are left out; the other buses are
-// numbered 1..n in file order. Numbers are written in full (the shortest text that reads back to
-// the same double), so that the engine works on exactly MATPOWER's data.
+// base, and warns about what the engine will not solve as MATPOWER does.
+// Buses of type 4 and everything out of service or attached to such a bus
+// are left out; the other buses are numbered 1..n in file order.  Numbers
+// are written in full (the shortest text that reads back to the same
+// double), so that the engine works on exactly MATPOWER's data.
+// OUT_STEM.MAP keeps, one line per bus, its number in the case files and
+// its number in the MATPOWER case, which the report tool shows.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -42,7 +45,8 @@ struct Options {
 const char* kUsage =
     "usage: mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] "
     "[--qlim] [--force]\n"
-    "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case; an existing\n"
+    "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case, and OUT_STEM.MAP:\n"
+    "  per bus its number in the case files and its MATPOWER number; an existing\n"
     "  case family of that stem is never replaced without --force, and a write\n"
     "  that fails leaves the old files as they were\n"
     "  --method N      iteration method written to .L0 (default 1)\n"
@@ -125,6 +129,7 @@ std::string quoted(std::string name) {
 
 struct Output {
   std::ostringstream l0, l1, l2, l3, l5, l6;
+  std::ostringstream map;  // .MAP: per bus, the engine's number and the MATPOWER number
   int nbus = 0, nline = 0, nshunt = 0, ntrans = 0, ngen = 0, nload = 0;
   int dropped_buses = 0, dropped_branches = 0, dropped_gens = 0;
   // What the engine will not solve as MATPOWER does, for the warnings.
@@ -177,6 +182,7 @@ Output convert(const MpCase& c, const Options& o) {
     const int n = ++out.nbus;
     num[b[BUS_I]] = n;
     out.reference_bus = out.reference_bus || b[BUS_TYPE] == 3;
+    out.map << n << ' ' << static_cast<long long>(b[BUS_I]) << '\n';
     type.push_back(static_cast<int>(b[BUS_TYPE]));
     std::string name =
         c.bus_name.empty() ? std::to_string(static_cast<long long>(b[BUS_I])) : c.bus_name[k];
@@ -340,11 +346,13 @@ int main(int argc, char** argv) {
                      {".L2", out.l2.str()},
                      {".L3", out.l3.str()},
                      {".L5", out.l5.str()},
-                     {".L6", out.l6.str()}},
+                     {".L6", out.l6.str()},
+                     {".MAP", out.map.str()}},
                     o.force))
     return 1;
   std::printf(
-      "mp2lf: wrote %s.L0-.L6: %d buses, %d lines, %d shunt rows, %d transformers, %d generators, "
+      "mp2lf: wrote %s.L0-.L6 and .MAP: %d buses, %d lines, %d shunt rows, %d transformers, %d "
+      "generators, "
       "%d loads; left out %d isolated buses, %d branches and %d generators out of service or "
       "isolated\n",
       o.stem.c_str(), out.nbus, out.nline, out.nshunt, out.ntrans, out.ngen, out.nload,
