@@ -12,8 +12,8 @@ namespace {
 
 // Every file of a case family, written by this program or not: an old
 // family of the same stem would mix with the new one.
-const char* const kFamily[] = {".L0", ".L1", ".L2", ".L3",  ".NL4",
-                               ".L5", ".L6", ".L7", ".L10", ".L13"};
+const char* const kFamily[] = {".L0", ".L1", ".L2",  ".L3",  ".NL4", ".L5",
+                               ".L6", ".L7", ".L10", ".L13", ".MAP"};
 
 // Writes text to a new file of that path, flushed to the disk; false with
 // errno set when it fails.
