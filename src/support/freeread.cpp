@@ -17,6 +17,8 @@ bool FreeReader::open(const std::string& path) {
   for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data_.append(chunk, n);
   std::fclose(f);
   open_ = true;
+  // A UTF-8 byte-order mark in front of the first line is no part of it.
+  if (data_.compare(0, 3, "\xEF\xBB\xBF") == 0) pos_ = 3;
   return true;
 }
 

@@ -43,7 +43,8 @@ class FreeReader {
   FreeReader(const FreeReader&) = delete;
   FreeReader& operator=(const FreeReader&) = delete;
 
-  // Takes in the whole file at once; false when it cannot be opened.
+  // Takes in the whole file at once, without a UTF-8 byte-order mark at its
+  // start; false when it cannot be opened.
   bool open(const std::string& path);
   bool is_open() const { return open_; }
   void close();
