@@ -52,9 +52,7 @@ Family read_family(const std::string& stem, const std::string& dat_stem, Warning
   const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
     return f.uses(f.l6, r) && f.l6.integer(r, "mode_ctrl") > 1;
   });
-  f.dat.name = dat_stem + ".DAT";
-  f.dat.layout = &layout(".DAT");
-  if (typed) f.dat = read_library(dat_stem + ".DAT", w);
+  f.dat = typed ? read_library(dat_stem + ".DAT", w) : unread(dat_stem + ".DAT", ".DAT");
   return f;
 }
 

@@ -81,10 +81,15 @@ int32_t FileRead::kept_count() const {
   return n;
 }
 
-FileRead read_records(const std::string& path, std::string_view ext, Warnings& w) {
+FileRead unread(const std::string& path, std::string_view ext) {
   FileRead f;
   f.name = path;
   f.layout = &layout(ext);
+  return f;
+}
+
+FileRead read_records(const std::string& path, std::string_view ext, Warnings& w) {
+  FileRead f = unread(path, ext);
   FreeReader in;
   f.present = in.open(path);
   if (!f.present) return f;
@@ -97,11 +102,8 @@ FileRead read_records(const std::string& path, std::string_view ext, Warnings& w
 }
 
 FileRead read_switches(const std::string& path, Warnings& w) {
-  FileRead f;
-  f.name = path;
-  f.layout = &layout(".L13");
-  FileRead groups = f;
-  groups.layout = &layout(".L13G");
+  FileRead f = unread(path, ".L13");
+  const FileRead groups = unread(path, ".L13G");
   FreeReader in;
   f.present = in.open(path);
   if (!f.present) return f;
@@ -123,11 +125,8 @@ FileRead read_switches(const std::string& path, Warnings& w) {
 }
 
 FileRead read_library(const std::string& path, Warnings& w) {
-  FileRead head;
-  head.name = path;
-  head.layout = &layout(".DATH");
-  FileRead f = head;
-  f.layout = &layout(".DAT");
+  const FileRead head = unread(path, ".DATH");
+  FileRead f = unread(path, ".DAT");
   FreeReader in;
   f.present = in.open(path);
   Record h = blank(*head.layout, 1, 1);

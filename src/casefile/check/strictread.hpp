@@ -43,6 +43,9 @@ struct FileRead {
   int32_t kept_count() const;
 };
 
+// A file of the layout of `ext` before any reading: no records, not present.
+FileRead unread(const std::string& path, std::string_view ext);
+
 // A file of records of one layout, one after the other (.L0: one record).
 FileRead read_records(const std::string& path, std::string_view ext, Warnings& w);
 
