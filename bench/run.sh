@@ -2,10 +2,10 @@
 # Converts MATPOWER cases and times their calculation with each Newton-type
 # method, stage by stage, against MATPOWER's own times.
 #
-#   bench/run.sh [--repeat N] [--qlim] [CASE.m ...]
+#   bench/run.sh [--repeat N] [--qlim] [--cases DIR] [CASE.m ...]
 #
-# Without cases it takes every case of ../shared/cases/matpower (or of
-# tests/data/matpower when that is absent).  Prints one table row per case and
+# Without cases it takes the cases of tests/data/matpower, or of DIR (which
+# may hold a timing.csv of MATPOWER's own times).  Prints one table row per case and
 # method: iterations, the median processor time of each stage, the staged
 # total, the median whole LFCal, the median whole lfrun process, MATPOWER's
 # runpf time and the ratio of that to LFCal.
@@ -14,19 +14,18 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 repeat=7
 qlim=0
+src=$root/tests/data/matpower
 cases=()
 while [ $# -gt 0 ]; do
   case "$1" in
     --repeat) repeat=$2; shift 2 ;;
     --qlim) qlim=1; shift ;;
+    --cases) src=$(cd "$2" && pwd); shift 2 ;;
     -h|--help) sed -n '2,12p' "$0"; exit 0 ;;
     *) cases+=("$1"); shift ;;
   esac
 done
-src=$root/../shared/cases/matpower
-[ -d "$src" ] || src=$root/tests/data/matpower
 timing=$src/timing.csv
-[ -f "$timing" ] || timing=$root/../shared/cases/matpower/timing.csv
 if [ ${#cases[@]} -eq 0 ]; then
   for c in case9 case14 case30 case57 case118 case300 case2383wp; do
     [ -f "$src/$c.m" ] && cases+=("$src/$c.m")
