@@ -385,6 +385,7 @@ void rdrtlf() {
   if (RTDBLSCMN.rtdbmode == 0) return;
   RTDBFAIL = {};
   rdrtlfctrl();
+  clamp_counts();
   if (read_ok() && LFINF.nbus > 0) rdrtbus();
   if (read_ok() && LFINF.nacline + LFINF.ntrans > 0) rdrtactrs();
   if (read_ok() && LFINF.ndcline > 0) rdrtdc();
