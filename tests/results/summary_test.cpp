@@ -92,6 +92,26 @@ TEST(Summary, SourceBusNumbersFromTheMap) {
   EXPECT_NE(file_text("csv14/branches.csv").find("\n1,2,1,1001,1002,"), std::string::npos);
 }
 
+// The nonlinear method prints its table outside the engine's channels; the
+// summary still counts its iterations and names it.
+TEST(Summary, CountsTheNonlinearMethodsTable) {
+  const std::string stem = copy_example("ieee14", "IEEE14");
+  int status = -1;
+  const std::string out = output_of(kBin + "/lfrun --nonlinear " + stem, status);
+  std::smatch row;
+  std::string rest = out;
+  std::string last;
+  while (std::regex_search(rest, row, std::regex("\n {6}( *[0-9]+) {16}"))) {
+    last = row[1];
+    rest = row.suffix();
+  }
+  ASSERT_FALSE(last.empty()) << out;
+  EXPECT_NE(
+      out.find("Converged in " + std::to_string(std::stoi(last)) + " iterations, nonlinear method"),
+      std::string::npos)
+      << out;
+}
+
 TEST(Summary, QuietLeavesItOut) {
   const std::string stem = copy_example("ieee14", "IEEE14");
   int status = -1;

@@ -247,7 +247,7 @@ int main(int argc, char** argv) {
   for (int run = 0; run < o.repeat; ++run) {
     int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
     const std::string name = fs::path(o.stem).filename().string();
-    start_calculation(name);
+    start_calculation(name, o.nonlinear);
     const bool converged = LFCal(&cal_flags) == 0;
     if (!converged) all_converged = false;
     finish_calculation(name, o.db, converged, !o.quiet);
