@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "control/models.hpp"
 #include "sparse/ymatrix.hpp"
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
@@ -12,6 +13,20 @@ namespace lf {
 int32_t internal_bus(int32_t reduced) {
   if (reduced < 1 || static_cast<std::size_t>(reduced) > NEW.size()) return 0;
   return NEW[reduced];
+}
+
+void start_models() {
+  UDWORK = 100;
+  if (NU.nud != 0) initlf();
+}
+
+bool run_models(int32_t t) {
+  if (NU.nud == 0) return false;
+  elfud(t);
+  udlpex();
+  if (LFUDOT.UDCHG == 0) return false;
+  fomy12();
+  return true;
 }
 
 void glpos() {

@@ -12,6 +12,7 @@
 
 #include "control/dcline.hpp"
 #include "methods/newton_frame.hpp"
+#include "store/lfudot.hpp"
 
 namespace lf {
 
@@ -97,7 +98,9 @@ void correction_test(Form form, int32_t& status) {
     int32_t t = 0;
     double mu = 1;
     inivpq();
+    start_models();
     for (;;) {
+      run_models(t);
       if (LFINF.ndcline != 0) dctran();
       form_system(form, w);
       factorise(w, t == 0);
@@ -109,6 +112,7 @@ void correction_test(Form form, int32_t& status) {
         continue;
       }
       ++t;
+      UDWORK = dmax;
       pbest = std::min(pbest, dmax);
       if (t > LFINF.iteration) break;
       if (form == Form::Optimum) mu = optimum_factor(w);

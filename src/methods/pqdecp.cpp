@@ -11,6 +11,7 @@
 #include "methods/limit.hpp"
 #include "sparse/symfactor.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/lfudot.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
 
@@ -178,7 +179,14 @@ void pqdecp(int32_t& status) {
     heading();
     int32_t t = 0;
     inivpq();
+    start_models();
     for (;;) {
+      if (run_models(t)) {  // a model changed a branch: both matrices anew
+        formb1(b1);
+        factorise(b1, f, f.lv1);
+        formb2(b2);
+        factorise(b2, f, f.lv2);
+      }
       if (LFINF.ndcline != 0) dctran();
 
       allbpq(1, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
@@ -218,6 +226,7 @@ void pqdecp(int32_t& status) {
       ++t;
       maxdq = std::max(maxdp, maxdq);
       pbest = std::min(pbest, maxdq);
+      UDWORK = maxdq;
       if (t > LFINF.iteration) break;
     }
     if (convergent == 0) {
