@@ -1,6 +1,12 @@
 // Writing the branch files back: the .L2 and .L3 rows of the case are read
 // again and written with R, X and the third real (B or the ratio T) that
 // the calculation left in the branch records.
+//
+// A row is read with the fields that the case reader takes (13 in .L2, 17
+// in .L3, the rest of its line passed over) and written with two (.L2) or
+// five (.L3) more fields behind them, all zero: the case reader takes the
+// leading fields of each line, so a file written here reads back as it was
+// meant, and so does one written before, read here again.
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -27,6 +33,7 @@ struct BranchFile {
   const char* extension;
   const char* pattern;  // I: integer, R: real, in file order
   const int* widths;    // output width of each field; reals are F14.6
+  std::size_t fields;   // fields a row of the case reader holds, read here
   std::vector<BranchRow> rows;
   std::size_t count = 0;  // rows of the last successful reading
 };
@@ -34,14 +41,14 @@ struct BranchFile {
 constexpr int kL2Widths[] = {2, 4, 4, 4, 14, 14, 14, 2, 2, 2, 4, 4, 14, 14, 4};
 constexpr int kL3Widths[] = {2, 4, 4, 4, 14, 14, 14, 14, 14, 3, 3,
                              3, 3, 4, 4, 14, 14, 14, 4,  2,  2, 2};
-BranchFile l2{".L2", "IIIIRRRIIIIIRRI", kL2Widths, {}, 0};
-BranchFile l3{".L3", "IIIIRRRRRIIIIIIRRRIIII", kL3Widths, {}, 0};
+BranchFile l2{".L2", "IIIIRRRIIIIIRRI", kL2Widths, 13, {}, 0};
+BranchFile l3{".L3", "IIIIRRRRRIIIIIIRRRIIII", kL3Widths, 17, {}, 0};
 
-bool read_row(FreeReader& in, const std::string& pattern, BranchRow& row) {
+bool read_row(FreeReader& in, const std::string& pattern, std::size_t fields, BranchRow& row) {
   row.ints.assign(pattern.size(), 0);
   row.reals.assign(pattern.size(), 0.0);
   std::vector<ReadItem> items;
-  for (std::size_t k = 0; k < pattern.size(); ++k) {
+  for (std::size_t k = 0; k < fields; ++k) {
     items.push_back(pattern[k] == 'I' ? ReadItem::of(row.ints[k]) : ReadItem::of(row.reals[k]));
   }
   return in.read(items);
@@ -52,7 +59,7 @@ void read_branch_file(const std::string& stem, BranchFile& file) {
   if (!in.open(stem + file.extension)) return;
   std::size_t n = 0;
   BranchRow row;
-  while (read_row(in, file.pattern, row)) {
+  while (read_row(in, file.pattern, file.fields, row)) {
     if (n == file.rows.size()) file.rows.emplace_back();
     file.rows[n++] = row;
   }

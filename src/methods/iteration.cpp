@@ -62,6 +62,11 @@ void glpos() {
     } else if (gt == -1 || gt == -2) {
       lt = gt;
       L6.V[l] = L5.V[g];
+    } else if (gt == -4 || gt == -6) {
+      // A generator whose voltage a model moves: the load row holds the
+      // bus voltage with it, as for a plain voltage-given generator.
+      lt = -1;
+      L6.V[l] = L5.V[g];
     } else if (gt == -3) {
       lt = -3;
     } else if (gt >= 1 && lt <= 1) {
