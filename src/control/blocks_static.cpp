@@ -61,12 +61,12 @@ void bl11(int32_t mode, int32_t ipar, int32_t iblk) {
 void bl14(int32_t mode, int32_t ipar, int32_t iblk) {
   static double y = 0, dy = 0;
   const double a = P(ipar, 1), b = P(ipar, 2), f = P(ipar, 3), g = P(ipar, 4), x = X(iblk);
+  const double d = guard(b - a, "  Warning: Block RAMP Para. A=B ");
   if (x <= a) {
     y = g, dy = 0;
   } else if (x >= b) {
     y = f, dy = 0;
   } else {
-    const double d = guard(b - a, "  Warning: Block RAMP Para. A=B ");
     y = (x - a) * (f - g) / d + g;
     dy = (f - g) * DX(iblk) / d;
   }
@@ -138,10 +138,10 @@ void bl29(int32_t mode, int32_t, int32_t iblk) {
 void bl30(int32_t mode, int32_t ipar, int32_t iblk) {
   static double y = 0, dy = 0;
   const double a = P(ipar, 1), b = P(ipar, 2), c = P(ipar, 3), d = P(ipar, 4), x = X(iblk);
+  const double w = guard(b - a, "  Warning: Block LINE Para. A=B ");
   if (x < a || x > b) {
     y = 0, dy = 0;
   } else {
-    const double w = guard(b - a, "  Warning: Block LINE Para. A=B ");
     y = (x - a) * (d - c) / w + c;
     dy = DX(iblk) * (d - c) / w;
   }
