@@ -62,21 +62,24 @@ void bl26(int32_t mode, int32_t ipar, int32_t iblk) {
 
 // LNLO, LNHI: X2 below or above the line A + B X1; LNLX, LNHX: X1 against
 // the line A + B X2.
-void bl34(int32_t mode, int32_t ipar, int32_t iblk) {
+namespace {
+void against_line(int32_t mode, int32_t ipar, int32_t iblk, double v, double u, bool below) {
   if (held_in_predictor(mode, iblk)) return;
-  flag(mode, iblk, UDXY.X2[iblk] <= P(ipar, 2) * UDXY.X1[iblk] + P(ipar, 1));
+  const double line = P(ipar, 2) * u + P(ipar, 1);
+  flag(mode, iblk, below ? v <= line : v >= line);
+}
+}  // namespace
+void bl34(int32_t mode, int32_t ipar, int32_t iblk) {
+  against_line(mode, ipar, iblk, UDXY.X2[iblk], UDXY.X1[iblk], true);
 }
 void bl35(int32_t mode, int32_t ipar, int32_t iblk) {
-  if (held_in_predictor(mode, iblk)) return;
-  flag(mode, iblk, UDXY.X2[iblk] >= P(ipar, 2) * UDXY.X1[iblk] + P(ipar, 1));
+  against_line(mode, ipar, iblk, UDXY.X2[iblk], UDXY.X1[iblk], false);
 }
 void bl36(int32_t mode, int32_t ipar, int32_t iblk) {
-  if (held_in_predictor(mode, iblk)) return;
-  flag(mode, iblk, UDXY.X1[iblk] <= P(ipar, 2) * UDXY.X2[iblk] + P(ipar, 1));
+  against_line(mode, ipar, iblk, UDXY.X1[iblk], UDXY.X2[iblk], true);
 }
 void bl37(int32_t mode, int32_t ipar, int32_t iblk) {
-  if (held_in_predictor(mode, iblk)) return;
-  flag(mode, iblk, UDXY.X1[iblk] >= P(ipar, 2) * UDXY.X2[iblk] + P(ipar, 1));
+  against_line(mode, ipar, iblk, UDXY.X1[iblk], UDXY.X2[iblk], false);
 }
 
 // BAND: X2 between the lines C + D X1 and A + B X1; BANX the same with the

@@ -101,6 +101,12 @@ void add_unit(bool generator, int32_t bus, int32_t& mode, const LPRec& p, int32_
   add_derived(s);
 }
 
+// The branch of a line or transformer row under control mode 1 .. last,
+// 0 for another mode or a branch missing from the network.
+int32_t controlled_branch(int32_t mode, int32_t last, int32_t i, int32_t j, int32_t no) {
+  return mode >= 1 && mode <= last ? find_branch(i, j, no) : 0;
+}
+
 bool generator_at(int32_t bus) {
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g)
     if (L5.ibs[g] == bus) return true;
@@ -140,8 +146,7 @@ void addl9() {
   }
   for (int32_t k = 1; k <= LFINF.nacline; ++k) {
     const int32_t mode = L2P.mode_ctrl[k];
-    if (mode < 1 || mode > 3) continue;
-    const int32_t b = find_branch(L2P.I[k], L2P.J[k], L2P.No[k]);
+    const int32_t b = controlled_branch(mode, 3, L2P.I[k], L2P.J[k], L2P.No[k]);
     if (b == 0) continue;
     SourceRow s;
     s.line = IJB.No[b];
@@ -162,12 +167,9 @@ void addl9() {
   }
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const int32_t mode = L3P.mode_ctrl[t];
-    if (mode < 1 || mode > 4) continue;
-    const int32_t b = find_branch(L3P.I[t], L3P.J[t], L3P.No[t]);
+    const int32_t b = controlled_branch(mode, 4, L3P.I[t], L3P.J[t], L3P.No[t]);
     if (b == 0) continue;
-    SourceRow s;
-    s.line = IJB.No[b];
-    s.grp = L3P.par_group[t];
+    SourceRow s{.grp = L3P.par_group[t], .line = IJB.No[b]};
     const double v = L3P.value_ctrl[t];
     SourceRow first = s;
     first.grp = 1, first.b1 = IJB.I[b];
