@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that the build needs and that are missing.
 set -euo pipefail
-pkgs=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev)
+# libfltk1.3-dev: the on-screen progress window; xvfb, xauth and xdotool: its
+# tests, on a virtual X server.
+pkgs=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev
+      libfltk1.3-dev xvfb xauth xdotool)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -92,6 +92,15 @@ void correct(NewtonWork& w, double mu) {
   }
 }
 
+void diverge(NewtonWork& w, const BusState& before, std::string_view what, int32_t at,
+             int32_t& status) {
+  status = 0;
+  say_nonfinite(what, at);
+  before.restore(w.n);
+  allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
+  power_mismatch(w);
+}
+
 bool limits_hold(NewtonWork& w) {
   int32_t changed = 0;
   limit(w.QC, changed);

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "methods/finite.hpp"
 #include "methods/iteration.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
@@ -71,6 +72,12 @@ double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& i
 
 // E -= mu X1, F -= mu X2 for every bus, then V and TH from them.
 void correct(NewtonWork& w, double mu);
+
+// Ends an iteration on a value that is not finite at internal bus `at`:
+// the line that says so, the buses back in the state `before` and the
+// powers of that state in PC, QC and VPQ; status becomes 0.
+void diverge(NewtonWork& w, const BusState& before, std::string_view what, int32_t at,
+             int32_t& status);
 
 // At convergence: limit may switch bus types.  True when it changed none,
 // so that the method is done; otherwise it iterates on with the same T.
