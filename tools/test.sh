@@ -5,7 +5,7 @@
 #   tools/test.sh --sanitize  AddressSanitizer + UndefinedBehaviorSanitizer build in build-asan/
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash tools/install-deps.sh
+bash tools/install-deps.sh --tests
 dir=build
 opts=(-DCMAKE_BUILD_TYPE=Release -DLF_WERROR=ON)
 if [ "${1:-}" = "--sanitize" ]; then

@@ -92,6 +92,7 @@ void correction_test(Form form, int32_t& status) {
   double peps = LFINF.tolerance;
   double pbest = 100000000;
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
   BusState before;  // the buses before the last correction
   int32_t ip = 0;
   for (;;) {  // one pass from the flat start
@@ -100,7 +101,8 @@ void correction_test(Form form, int32_t& status) {
     double mu = 1;
     inivpq();
     start_models();
-    before.save(w.n);
+    w.angles_due = false;
+    save_buses(w, before);
     for (;;) {
       run_models(t);
       if (LFINF.ndcline != 0) dctran();
@@ -122,7 +124,7 @@ void correction_test(Form form, int32_t& status) {
       pbest = std::min(pbest, dmax);
       if (t > LFINF.iteration) break;
       if (form == Form::Optimum) mu = optimum_factor(w);
-      before.save(w.n);
+      save_buses(w, before);
       correct(w, mu);
       if (interrupted()) {
         status = 0;

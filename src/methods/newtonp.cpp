@@ -19,15 +19,17 @@ void newtonp(int32_t& status) {
   const double peps = LFINF.tolerance;
   bool firstdone = false;  // the pattern is found once per call, across both passes
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
   BusState before;  // the buses before the last correction
   int32_t ip = 0;
   for (int32_t pass = 1; pass <= 2; ++pass) {
     LFINF.tolerance = kRoughTolerance;
     bool finite = true;
     pqdecp(status, finite);
+    w.angles_due = false;
     LFINF.tolerance = peps;
     if (!finite) return;  // the decoupled start has said so
-    before.save(w.n);
+    save_buses(w, before);
     wstring(" ");
     print_heading("Newton Method Iterative Process", 31, "      T         BUS.          MAX(DP,DQ)",
                   false);
@@ -55,7 +57,7 @@ void newtonp(int32_t& status) {
       solve(w, w.D1, w.D2, w.X1, w.X2);
       if (const int32_t at = nonfinite_at(w.n, w.X1, w.X2))
         return diverge(w, before, "correction", at, status);
-      before.save(w.n);
+      save_buses(w, before);
       correct(w, 1);
       if (interrupted()) {
         status = 0;

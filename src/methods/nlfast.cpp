@@ -33,6 +33,7 @@ void nlfast(int32_t& status) {
   // its first solution.
   const double pbest = 100000000;
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
   const int32_t n = w.n;
   Arr<double> e0(n), f0(n), p0(n), q0(n), xn1(n), xn2(n);
   Arr<double>& c1 = w.C1;
@@ -46,7 +47,8 @@ void nlfast(int32_t& status) {
     put_line("      ---       ----------     ------------");
     int32_t t = 0;
     inivpq();
-    before.save(n);
+    w.angles_due = false;
+    save_buses(w, before);
     for (int32_t i = 1; i <= n; ++i) {
       e0[i] = VPQ.E[i];
       f0[i] = VPQ.F[i];
@@ -86,7 +88,7 @@ void nlfast(int32_t& status) {
         power_mismatch(w);
         return;
       }
-      before.save(n);
+      save_buses(w, before);
       for (int32_t i = 1; i <= n; ++i) {
         VPQ.E[i] = e0[i];
         VPQ.F[i] = f0[i];

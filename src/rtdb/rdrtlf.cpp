@@ -383,6 +383,7 @@ void rdrtlf() {
   if (RTDBLSCMN.rtdbmode == 0) return;
   NU.nl9 = 0;  // model rows come from a case file only, never from the database
   rdrtlfctrl();
+  clamp_counts();
   if (LFINF.nbus > 0) rdrtbus();
   if (LFINF.nacline + LFINF.ntrans > 0) rdrtactrs();
   if (LFINF.ndcline > 0) rdrtdc();
