@@ -13,4 +13,10 @@ namespace lf {
 // exports use it when they end a call on an exception.
 void print_stop_text(std::string_view text);
 
+// A program that must go on after a stop (a fuzz target, which feeds the
+// readers one input after the other) gives stop_run an action that throws:
+// it runs in place of the stop text, and only if it returns does the
+// process end.  Without one, stop_run prints and ends the process.
+void set_stop_action(void (*action)(std::string_view text));
+
 }  // namespace lf

@@ -14,8 +14,13 @@
 #include <vector>
 
 #include "io/channels.hpp"
+#include "support/stop.hpp"
 
 namespace lf::fuzz {
+
+// A stop of the engine (a bus number outside the case, say) is an honest
+// end for an input, not a finding: it throws this, which the target catches.
+struct Stopped {};
 
 // The folder, made once per process; case names hold 60 characters, so the
 // path stays short.
@@ -24,7 +29,8 @@ inline const std::string& scratch() {
     std::filesystem::path base = std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp";
     auto d = base / ("lffz" + std::to_string(::getpid()));
     std::filesystem::create_directories(d);
-    prnon = 0;                               // no engine line reaches any channel
+    prnon = 0;  // no engine line reaches any channel
+    set_stop_action([](std::string_view) { throw Stopped{}; });
     std::freopen("/dev/null", "w", stdout);  // nor the plain printed ones
     return d.string();
   }();
