@@ -22,6 +22,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -30,6 +31,9 @@ namespace {
 constexpr int kTextField = 25;
 
 enum class Kind { Int4, Int8, Real4, Real8, Text };
+
+// The declared columns of a table by name.
+using Columns = std::unordered_map<std::string, Kind>;
 
 struct Session {
   sqlite3* db = nullptr;
@@ -54,7 +58,7 @@ struct Statement {
   std::string table, where, order;
   std::vector<Column> columns;
   // The table's declared columns, looked up once for all the bindings.
-  std::vector<std::pair<std::string, Kind>> table_columns;
+  Columns table_columns;
   bool table_known = false;
   bool fetched = false, for_update = false, first = true, updated = false;
   long epoch = 0;
@@ -114,8 +118,7 @@ Kind kind_of(std::string decl) {
 }
 
 // The declared columns of a table; false when the table does not exist.
-bool table_columns(sqlite3* db, const std::string& table,
-                   std::vector<std::pair<std::string, Kind>>& out) {
+bool table_columns(sqlite3* db, const std::string& table, Columns& out) {
   out.clear();
   sqlite3_stmt* q = nullptr;
   std::string sql = "PRAGMA table_info(" + quoted(table) + ")";
@@ -123,7 +126,7 @@ bool table_columns(sqlite3* db, const std::string& table,
   while (sqlite3_step(q) == SQLITE_ROW) {
     const char* name = reinterpret_cast<const char*>(sqlite3_column_text(q, 1));
     const char* decl = reinterpret_cast<const char*>(sqlite3_column_text(q, 2));
-    out.emplace_back(name ? name : "", kind_of(decl ? decl : ""));
+    out.emplace(name ? name : "", kind_of(decl ? decl : ""));
   }
   sqlite3_finalize(q);
   return !out.empty();
@@ -200,10 +203,10 @@ int parse(const char* text, Statement& st) {
 // gives for a missing table or column.
 int resolve(Session& se, Statement& st) {
   if (!st.syntax_ok) return cli_bad_statement;
-  std::vector<std::pair<std::string, Kind>> cols;
+  Columns cols;
   if (!table_columns(se.db, st.table, cols)) return cli_table_not_found;
   for (Column& c : st.columns) {
-    auto it = std::find_if(cols.begin(), cols.end(), [&](auto& x) { return x.first == c.name; });
+    auto it = cols.find(c.name);
     if (it == cols.end()) return cli_column_not_found;
     c.kind = it->second;
   }
@@ -405,8 +408,7 @@ int cli_column(int statement, char const* column_name, int var_type, int* var_le
     st->table_known = table_columns(session_of(st->session)->db, st->table, st->table_columns);
   if (st->table_known) {
     const auto& cols = st->table_columns;
-    auto it =
-        std::find_if(cols.begin(), cols.end(), [&](auto& x) { return x.first == column_name; });
+    auto it = cols.find(column_name);
     if (it == cols.end()) return cli_column_not_found;
     if ((it->second == Kind::Text) != (var_type == cli_asciiz)) return cli_incompatible_type;
     kind = it->second;
