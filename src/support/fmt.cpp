@@ -45,7 +45,7 @@ bool not_finite(std::string& out, double v, int w) {
 // huge, d <= 19 and the result fits in 64 bits: v = m * 2^e exactly, so
 // m * 10^d fits in 128 bits and the bits shifted out decide the rounding.
 bool scaled_round(double v, int d, uint64_t& q) {
-  constexpr auto kPow10 = [] {
+  static constexpr auto kPow10 = [] {
     std::array<uint64_t, 20> t{};
     uint64_t p = 1;
     for (uint64_t& x : t) {
