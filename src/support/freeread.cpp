@@ -207,7 +207,10 @@ bool FreeReader::read(std::span<const ReadItem> items) {
         while (pos < buf.size() && is_blank(buf[pos])) ++pos;
         if (pos < buf.size() && buf[pos] == ',') ++pos;
         --repeat;
-        if (!store(it, value, false)) return false;
+        if (!store(it, value, false)) {
+          bad_text_.assign(value);
+          return false;
+        }
         continue;
       }
       // r*value or r*: a repeat count in front of a star.
