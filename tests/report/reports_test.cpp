@@ -75,7 +75,6 @@ class ReportCase : public testing::Test {
  protected:
   void SetUp() override {
     test::reset_store();
-    stem = test::temp_stem();
     casename = stem;
     L1.busname[1] = "NORTH", L1.busname[2] = "SOUTH", L1.busname[3] = "EAST";
     NNTOON.nbase = 3;
@@ -106,7 +105,8 @@ class ReportCase : public testing::Test {
     IJOPEN.J[r] = j;
     IJOPEN.No[r] = no;
   }
-  std::string stem;
+  test::ScratchFolder dir;
+  std::string stem = dir / "C";
   CaseName casename;
 };
 
@@ -174,12 +174,13 @@ TEST_F(ReportCase, BusFileAndNewNodes) {
   // Without new nodes the old .LPD goes and no new one is made.
   NNTOON.nnode = 3;
   wlp1(1, casename);
-  EXPECT_FALSE(test::file_exists(stem + ".LPD"));
+  EXPECT_FALSE(test::fs::exists(stem + ".LPD"));
 }
 
 TEST(BusFile, AngleFoldAndOverflow) {
   test::reset_store();
-  const std::string stem = test::temp_stem();
+  test::ScratchFolder dir;
+  const std::string stem = dir / "C";
   L1.busname[1] = "A";
   NNTOON.nbase = 3;
   NNTOON.nnode = 4;
@@ -205,7 +206,7 @@ TEST(BusFile, AngleFoldAndOverflow) {
 }
 
 TEST_F(ReportCase, GeneratorAndLoadFilesWithSlackTable) {
-  test::capture_printing();
+  test::capture_printed();
   // Generators as read: a slack, two shares of a merged voltage-controlled
   // row, a share of a merged P-Q row, and one on a bus without a branch.
   L5OLD.ngenold = 5;
@@ -272,17 +273,17 @@ TEST_F(ReportCase, GeneratorAndLoadFilesWithSlackTable) {
 }
 
 TEST_F(ReportCase, DriverWritesWhatTheCaseHas) {
-  test::capture_printing();
+  test::capture_printed();
   test::write_file(stem + ".LP4", "earlier\n");
   test::write_file(stem + ".LP7", "earlier\n");
   LFINF.narea = 1;  // area control off: .LP7 is left alone
   wtlf(0, casename);
-  EXPECT_TRUE(test::file_exists(stem + ".LP1"));
-  EXPECT_TRUE(test::file_exists(stem + ".LP2"));
-  EXPECT_TRUE(test::file_exists(stem + ".LP3"));
-  EXPECT_FALSE(test::file_exists(stem + ".LP5"));
-  EXPECT_FALSE(test::file_exists(stem + ".LP6"));
-  EXPECT_FALSE(test::file_exists(stem + ".nP4"));
+  EXPECT_TRUE(test::fs::exists(stem + ".LP1"));
+  EXPECT_TRUE(test::fs::exists(stem + ".LP2"));
+  EXPECT_TRUE(test::fs::exists(stem + ".LP3"));
+  EXPECT_FALSE(test::fs::exists(stem + ".LP5"));
+  EXPECT_FALSE(test::fs::exists(stem + ".LP6"));
+  EXPECT_FALSE(test::fs::exists(stem + ".nP4"));
   EXPECT_THAT(file_lines(stem + ".LP4"), ElementsAre("earlier"));
   EXPECT_THAT(file_lines(stem + ".LP7"), ElementsAre("earlier"));
   EXPECT_EQ(file_lines(stem + ".LP1")[0].substr(0, 4), "  1,");
