@@ -14,6 +14,14 @@
 
 namespace lf::test {
 
+// The report file stem + ext headed by its name, the clock's stamp in the
+// first line of .LP1 masked.
+inline std::string report_text(const std::string& stem, const std::string& ext) {
+  std::string text = read_file(stem + ext);
+  if (ext == ".LP1") text.replace(0, text.find('\n'), text.substr(0, 4) + "<stamp>");
+  return "== " + ext + "\n" + text;
+}
+
 // Clears the counts and the arrays that the reports read.
 inline void reset_store() {
   LFINF = {};

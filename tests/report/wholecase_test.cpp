@@ -47,9 +47,8 @@ std::string run_record(const std::string& folder) {
   for (const auto& f : test::fs::directory_iterator("."))
     if (!inputs.count(f.path().filename())) written.insert(f.path().filename());
   for (const std::string& name : written) {
-    std::string text = test::read_file(name);
-    if (name.ends_with(".LP1")) text.replace(0, text.find('\n'), text.substr(0, 4) + "<stamp>");
-    all += "== " + name + "\n" + text;
+    const std::size_t dot = name.rfind('.');
+    all += test::report_text(name.substr(0, dot), name.substr(dot));
   }
   return all;
 }
