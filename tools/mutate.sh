@@ -5,13 +5,16 @@
 # suite runs against it; a failing suite catches the fault.  The repository
 # itself is never changed.
 #
-#   tools/mutate.sh [--list FILE] [--only REGEX] [--work DIR] [--timeout SECONDS] [--check]
+#   tools/mutate.sh [--root DIR] [--list FILE] [--only REGEX] [--work DIR]
+#                   [--timeout SECONDS] [--check]
 #
-#   --list FILE      the faults (default tools/mutations.txt)
+#   --root DIR       the checkout to mutate (default the one holding this script)
+#   --list FILE      the faults (default tools/mutations.txt of the checkout)
 #   --only REGEX     only the faults whose file or line matches REGEX
 #   --work DIR       scratch copy and build (default $TMPDIR/lfmutate.$UID);
 #                    kept between runs, so that a second run rebuilds little
-#   --timeout SEC    limit of each test (default 60; a hang counts as caught)
+#   --timeout SEC    limit of each test program (default 120; a hang counts as
+#                    caught)
 #   --check          only tell which faults no longer find their line
 #
 # A fault whose line no longer stands in its file, or stands there more than
@@ -21,22 +24,24 @@
 set -uo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-list=$root/tools/mutations.txt
+list=
 only=
 work=${TMPDIR:-/tmp}/lfmutate.$(id -u)
-per_test=60
+per_prog=120
 check=
 while [ $# -gt 0 ]; do
   case $1 in
+    --root) root=$(cd "$2" && pwd); shift 2 ;;
     --list) list=$2; shift 2 ;;
     --only) only=$2; shift 2 ;;
     --work) work=$2; shift 2 ;;
-    --timeout) per_test=$2; shift 2 ;;
+    --timeout) per_prog=$2; shift 2 ;;
     --check) check=1; shift ;;
-    -h | --help) sed -n '2,20p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h | --help) sed -n '2,23p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "mutate.sh: unknown argument '$1' (see --help)" >&2; exit 2 ;;
   esac
 done
+list=${list:-$root/tools/mutations.txt}
 [ -r "$list" ] || { echo "mutate.sh: cannot read $list" >&2; exit 2; }
 mkdir -p "$work"
 
@@ -116,11 +121,19 @@ build_all() {
   nice -n 10 cmake --build "$build" -j2 </dev/null >"$log/build.txt" 2>&1
 }
 
-# The suite, stopping at its first failure; a test that runs past its limit
-# fails.  CTest starts with the tests that failed last time.
-run_suite() {
-  nice -n 10 ctest --test-dir "$build" -j2 --timeout "$per_test" --stop-on-failure \
-    --output-on-failure </dev/null >"$log/ctest.txt" 2>&1
+# The suite: every test program once, two at a time, those of the folder
+# named first (the fault's) and the whole-case validation before the rest,
+# stopping at the first program that fails; a program that runs past its
+# limit fails.  The failing programs are named in $log/failed.
+run_suite() {  # [folder]
+  local progs=() p
+  for p in "$build/tests/test_${1:-}" "$build/tests/test_validation" "$build"/tests/test_*; do
+    [ -x "$p" ] && [[ " ${progs[*]} " != *" $p "* ]] && progs+=("$p")
+  done
+  rm -f "$log/failed"
+  printf '%s\0' "${progs[@]}" | nice -n 10 xargs -0 -P2 -n1 sh -c '
+    timeout "$1" "$3" --gtest_brief=1 </dev/null >"$2/${3##*/}.txt" 2>&1 ||
+      { echo "${3##*/}" >>"$2/failed"; exit 255; }' sh "$per_prog" "$log" 2>/dev/null
 }
 
 echo "mutate.sh: scratch copy and build in $work"
@@ -140,7 +153,7 @@ cmake -S "$tree" -B "$build" "${gen[@]}" "${launcher[@]}" "${opts[@]}" >"$log/co
   { echo "mutate.sh: configuring failed, see $log/configure.txt" >&2; exit 1; }
 build_all || { echo "mutate.sh: the unchanged engine does not build, see $log/build.txt" >&2; exit 1; }
 start=$SECONDS
-run_suite || { echo "mutate.sh: the suite fails without any fault, see $log/ctest.txt" >&2; exit 1; }
+run_suite || { echo "mutate.sh: $(cat "$log/failed") fails without any fault, see $log" >&2; exit 1; }
 echo "mutate.sh: the unchanged suite passes in $((SECONDS - start)) s"
 
 caught=0 survived=0 skipped=0 total=0
@@ -170,15 +183,14 @@ while IFS=$'\x1f' read -r file old new line; do
     verdict="NOT BUILT"
     skipped=$((skipped + 1))
     cp "$log/build.txt" "$log/notbuilt-$line.txt"
-  elif run_suite; then
+  elif folder=${file#src/} && run_suite "${folder%%/*}"; then
     verdict=SURVIVED
     survived=$((survived + 1))
     survivors+=("$what")
   else
     verdict=CAUGHT
     caught=$((caught + 1))
-    by=$(grep -m1 -E 'Test +#[0-9]+: .*(Failed|Timeout|Exception|Not Run)' "$log/ctest.txt" |
-      sed -E 's/^.*Test +#[0-9]+: ([^ ]+).*$/\1/')
+    by=$(head -1 "$log/failed" 2>/dev/null)
   fi
   # Back to the original, with a new time so that the next build compiles it.
   cp "$work/original" "$target"
