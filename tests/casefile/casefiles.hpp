@@ -1,6 +1,5 @@
 // The case file tests: a scratch folder per test with a case CASE.* written
-// into it, the engine's messages caught (and echoed to standard error, where
-// death tests look for them).
+// into it, the engine's messages caught.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +15,7 @@ namespace lf::test {
 class CaseFiles : public ::testing::Test {
  protected:
   void SetUp() override {
-    capture_printed(true);
+    capture_printed();
     LFINF = {};
     LF93 = {};
     NO = {};
