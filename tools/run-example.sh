@@ -5,8 +5,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash tools/install-deps.sh
+echo "building the engine and its programs in build/ (the first build takes a few minutes)"
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build build -j "$(nproc)" --target lfrun mp2lf lfdb lfstatus >/dev/null
+cmake --build build -j "$(nproc)" --target lfrun mp2lf lfdb lfstatus lfreport
 case_stem=${1:-examples/ieee14/IEEE14}
 shift || true
 build/lfrun "$@" "$case_stem"

@@ -1,6 +1,9 @@
 // The four functions that a host calls: LFInit once, LFCal and LFPstring in
 // any number, LFFinilize once at the end.
 #include <cstring>
+#include <exception>
+#include <new>
+#include <string>
 #include <string_view>
 
 #include "driver/newlf.hpp"
@@ -8,6 +11,7 @@
 #include "io/msglink.hpp"
 #include "lfengine.h"
 #include "store/store.hpp"
+#include "support/stop.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf {
@@ -68,12 +72,7 @@ void close_link() {
   socket = 0;
 }
 
-}  // namespace
-}  // namespace lf
-
-using namespace lf;
-
-extern "C" int LFInit(int* flags, char* title, int* session, intptr_t* callback, int* mode) {
+int init(int* flags, char* title, int* session, intptr_t* callback, int* mode) {
   int result = *flags;
   mdisplay = (*flags & LF_FLAG_WINDOW) ? 1 : 0;
   prnfunc = *callback;
@@ -95,7 +94,7 @@ extern "C" int LFInit(int* flags, char* title, int* session, intptr_t* callback,
   return result;
 }
 
-extern "C" int LFCal(int* flags) {
+int cal(int* flags) {
   int32_t saved_socket = socket;
   const int32_t saved_mdisplay = mdisplay;
   const int32_t saved_prnon = prnon;
@@ -113,7 +112,7 @@ extern "C" int LFCal(int* flags) {
   return convergent == 0 ? 1 : 0;
 }
 
-extern "C" int LFFinilize(void) {
+int finish() {
   if (socket != 0) send_status(kLinkDown);
   if (mdisplay == 0) {
     if (socket != 0) close_link();
@@ -150,7 +149,45 @@ extern "C" int LFFinilize(void) {
   }
 }
 
-extern "C" int LFPstring(char* text) {
+int pstring(char* text) {
   wstring(blank_pad(text));
   return 0;
+}
+
+// Nothing may leave an export but its result: an exception thrown inside
+// the engine (a failed allocation above all) ends the call with a stop text
+// and status 1.
+template <typename Body>
+int guarded(const char* name, Body body) {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    print_stop_text(std::string(name) + ": out of memory");
+  } catch (const std::exception& e) {
+    print_stop_text(std::string(name) + ": " + e.what());
+  } catch (...) {
+    print_stop_text(std::string(name) + ": unexpected failure");
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace lf
+
+using lf::guarded;
+
+extern "C" int LFInit(int* flags, char* title, int* session, intptr_t* callback, int* mode) {
+  return guarded("LFInit", [&] { return lf::init(flags, title, session, callback, mode); });
+}
+
+extern "C" int LFCal(int* flags) {
+  return guarded("LFCal", [&] { return lf::cal(flags); });
+}
+
+extern "C" int LFFinilize(void) {
+  return guarded("LFFinilize", [] { return lf::finish(); });
+}
+
+extern "C" int LFPstring(char* text) {
+  return guarded("LFPstring", [&] { return lf::pstring(text); });
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "casefile/checks.hpp"
+#include "casefile/indexcheck.hpp"
 #include "io/channels.hpp"
 #include "io/errlist.hpp"
 #include "support/freeread.hpp"
@@ -34,15 +35,16 @@ void grow_branch_room(std::size_t n) {
 
 // Reads one record after the other until the file ends or a read fails.
 // read(k, mark) reads a record into slot k; the record counts when its mark
-// is above 0 and then keep(k, mark) completes it.  A dropped record takes no
-// slot: the next one is read into the same place.  Gives the count kept.
+// is above 0 and then keep(k, mark, r) completes it, r being the record's
+// place in the file.  A dropped record takes no slot: the next one is read
+// into the same place.  Gives the count kept.
 template <typename Read, typename Keep>
 int32_t read_marked(Read read, Keep keep) {
   int32_t n = 0;
-  for (;;) {
+  for (int32_t r = 1;; ++r) {
     int32_t mark = 0;
     if (!read(n + 1, mark)) return n;
-    if (mark > 0) keep(++n, mark);
+    if (mark > 0) keep(++n, mark, r);
   }
 }
 
@@ -88,7 +90,9 @@ void rl23(const std::string& path) {
                     IJB.LOSSAREA[k], L2P.mode_ctrl[k], L2P.par_group[k], L2P.ibs_ctrl[k],
                     L2P.line_ctrl[k], L2P.value_ctrl[k]);
         },
-        [](int32_t n, int32_t mark) {
+        [&](int32_t n, int32_t mark, int32_t r) {
+          check_bus(IJB.I[n], path + ".L2", r);
+          check_bus(IJB.J[n], path + ".L2", r);
           RXB.T[n] = 1.0;
           IJOPEN.mark[n] = mark;
           IJOPEN.I[n] = L2P.I[n] = IJB.I[n];
@@ -98,12 +102,12 @@ void rl23(const std::string& path) {
   }
   if (LFINF.ntrans == 0) return;
 
-  // Transformer t is branch nacline + t.  Without the file the count of .L0
-  // stands; the branch rows it claims must still exist.
+  // Transformer t is branch nacline + t.  Without the file there are no
+  // transformers, whatever .L0 counted.
   const int32_t n0 = LFINF.nacline;
   FreeReader in;
   if (!in.open(path + ".L3")) {
-    if (LFINF.ntrans > 0) grow_branch_room(static_cast<std::size_t>(n0) + LFINF.ntrans);
+    LFINF.ntrans = 0;
     return;
   }
   LFINF.ntrans = read_marked(
@@ -115,11 +119,13 @@ void rl23(const std::string& path) {
                   L3PP.Xm[t], IJB.LOSSAREA[k], L3P.mode_ctrl[t], L3P.par_group[t], unused,
                   L3P.ibs_ctrl[t], L3P.line_ctrl[t], L3P.value_ctrl[t], L3P.ang_shift[t]);
       },
-      [&](int32_t t, int32_t mark) {
+      [&](int32_t t, int32_t mark, int32_t r) {
         const int32_t n = n0 + t;
         // Only the bus numbers of the ends count, not their signs.
         IJB.I[n] = std::abs(IJB.I[n]);
         IJB.J[n] = std::abs(IJB.J[n]);
+        check_bus(IJB.I[n], path + ".L3", r);
+        check_bus(IJB.J[n], path + ".L3", r);
         RXB.B[n] = 0.0;
         IJOPEN.mark[n] = mark;
         IJOPEN.I[n] = L3P.I[t] = IJB.I[n];
@@ -137,7 +143,7 @@ void nrl4(const std::string& path) {
   }
   NL4Rec& d = NL4;
   int32_t m = 0;
-  for (;;) {
+  for (int32_t r = 1;; ++r) {
     const int32_t k = m + 1;
     room_for(k, d.I.size(), [](std::size_t n) { NL4.grow(n); });
     int32_t mark = 0;
@@ -153,7 +159,10 @@ void nrl4(const std::string& path) {
         !in(d.pd1_mw[k], d.vd1_kv[k], d.a1min_d[k], d.a10_d[k], d.gam1min_d[k], d.gam10_d[k]) ||
         !in(d.pd2_mw[k], d.vd2_kv[k], d.a2min_d[k], d.a20_d[k], d.gam2min_d[k], d.gam20_d[k]))
       break;
-    if (mark == 1) m = k;  // only mark 1 counts for a DC line
+    if (mark != 1) continue;  // only mark 1 counts for a DC line
+    check_bus(d.I[k], path + ".NL4", r);
+    check_bus(d.J[k], path + ".NL4", r);
+    m = k;
   }
   LFINF.ndcline = m;
 }
@@ -168,7 +177,8 @@ void rl5(const std::string& path) {
                   L5P.Qmax[k], L5P.Qmin[k], L5P.Pmax[k], L5P.Pmin[k], L5P.par_group[k],
                   L5P.ibs_ctrl[k], L5P.line_ctrl[k], L5P.value_ctrl[k]);
       },
-      [](int32_t g, int32_t) {
+      [&](int32_t g, int32_t, int32_t r) {
+        check_bus(L5.ibs[g], path + ".L5", r);
         L5.merged[g] = 0;
         if (LF93.ctrl_ud == 0) fold_mode_ctrl(L5.mode_ctrl[g]);
       });
@@ -185,7 +195,8 @@ void rl6(const std::string& path) {
                     L6.Angle[k], L6P.Qmax[k], L6P.Qmin[k], L6P.Pmax[k], L6P.Pmin[k],
                     L6P.par_group[k], L6P.ibs_ctrl[k], L6P.line_ctrl[k], L6P.value_ctrl[k]);
         },
-        [](int32_t d, int32_t) {
+        [&](int32_t d, int32_t, int32_t r) {
+          check_bus(L6.ibs[d], path + ".L6", r);
           if (LF93.ctrl_ud == 0) fold_mode_ctrl(L6.mode_ctrl[d]);
         });
   }
@@ -207,7 +218,7 @@ void rl7(const std::string& path) {
         return in(mark, LL7.area_no[k], L7.area_name[k], LL7.unit[k], LL7.p_schedule[k],
                   LL7.tolerance[k], LL7.pmax[k]);
       },
-      [](int32_t, int32_t) {});
+      [](int32_t, int32_t, int32_t) {});
 }
 
 void rl10(const std::string& path) {
@@ -222,7 +233,7 @@ void rl10(const std::string& path) {
         return in(mark, L10.area[k], L10.kv[k], L10.name1[k], L10.name2[k], L10.PG[k], L10.QG[k],
                   L10.PL[k], L10.QL[k]);
       },
-      [](int32_t, int32_t) {});
+      [](int32_t, int32_t, int32_t) {});
 }
 
 void rl13(const std::string& path) {
@@ -235,7 +246,12 @@ void rl13(const std::string& path) {
   // Groups: the substation's bus number, then switch records up to one
   // whose first four integers are zeros.  The end of the file ends the
   // reading quietly, anything unreadable with a message.
+  // A kept record's group is a bus of the case and its ends are node
+  // numbers, which substation splitting uses as indices.
+  const std::string source = path + ".L13";
+  const int32_t top_node = std::max(LFINF.nbus, static_cast<int32_t>(kCapBus));
   int32_t s = 0;
+  int32_t r = 0;  // switch records read
   for (;;) {
     int32_t g = 0;
     bool ok = in(g);
@@ -246,8 +262,12 @@ void rl13(const std::string& path) {
       ok = in(L13.valid[k], L13.type[k], L13.I[k], L13.J[k], L13.sw1[k], L13.sw2[k], L13.sw3[k],
               L13.line1[k], L13.load1[k], L13.line2[k], L13.load2[k]);
       if (!ok) break;
+      ++r;
       if (L13.valid[k] == 0 && L13.type[k] == 0 && L13.I[k] == 0 && L13.J[k] == 0) break;
       if (L13.valid[k] > 0) {
+        check_bus(g, source, r);
+        check_range(L13.I[k], top_node, "node number", source, r);
+        check_range(L13.J[k], top_node, "node number", source, r);
         s = k;
         L13.group[s] = g;
       }
@@ -303,6 +323,7 @@ void rdlf(const CaseName& casename, const CaseName& datalibname) {
   int32_t flag = 0;
   if (LFINF.nload > 0) isrlib(flag);
   if (flag > 0) rpalib(datalibname.trimmed());
+  if (LFINF.nload > 0) check_load_types(path + ".L6");
   NO.nbranch = LFINF.nacline + LFINF.ntrans;
   NO.ndc = LFINF.ndcline;
 }

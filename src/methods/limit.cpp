@@ -24,10 +24,12 @@ bool passed(double q, double lo, double hi, double& bound) {
 
 // A voltage-limited row whose bus voltage is outside the bus limits: the row
 // takes the bound as its voltage, the bus restarts from it at angle 0 and the
-// row holds the voltage from now on.
+// row holds the voltage from now on.  A node that network preparation made
+// has no limits of its own: it has those of the case bus it stands for.
 bool hold_voltage(int32_t reduced, int32_t i, int32_t& type, double& row_v) {
+  const int32_t bus = NNTOON[reduced];
   double bound = 0;
-  if (!passed(VPQ.V[i], LL1.busvmin[reduced], LL1.busvmax[reduced], bound)) return false;
+  if (!passed(VPQ.V[i], LL1.busvmin[bus], LL1.busvmax[bus], bound)) return false;
   row_v = bound;
   VPQ.V[i] = bound;
   VPQ.TH[i] = 0;

@@ -3,10 +3,12 @@
 // table then replaces its count with the rows that it really kept.  All
 // network data are per unit on the system base in the tables and are only
 // widened; bus voltage limits alone come in kV and are divided by the base.
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
 #include "casefile/checks.hpp"
+#include "casefile/indexcheck.hpp"
 #include "rtdb/pass.hpp"
 #include "rtdb/rtdb.hpp"
 #include "rtdb/rtdbls.hpp"
@@ -182,6 +184,8 @@ void rdrtactrs() {
   TablePass pl = open_pass("select * from ln", l, bindln, "Bindln failed!", Say::Print,
                            cli_view_only, "Rdln: cli_fetch failed with code", 0);
   LFINF.nacline = walk_kept(pl, l, [&](int32_t n) {
+    check_bus(l.ibs, "table ln", n);
+    check_bus(l.zbs, "table ln", n);
     int32_t mark = (l.q & 2) ? 3 : (l.q & 1) ? 2 : 1;
     store_branch(n, l.ibs, l.zbs, l.lnno, mark);
     store_line_ends(n);
@@ -198,6 +202,7 @@ void rdrtactrs() {
   const int32_t lines = LFINF.nacline;
   LFINF.nacline += walk_kept(pc, c, [&](int32_t k) {
     int32_t n = lines + k;
+    check_bus(c.ibs, "table cp", k);
     store_branch(n, c.ibs, c.ibs, c.cpno, 1);
     store_line_ends(n);
     store_rx(n, c.r1, c.x1, 0.0, 1.0);
@@ -214,6 +219,8 @@ void rdrtactrs() {
                            cli_view_only, "RDxf: cli_fetch failed with code", 0);
   LFINF.ntrans = walk_kept(px, x, [&](int32_t t) {
     int32_t n = LFINF.nacline + t;
+    check_bus(x.ibs, "table xf", t);
+    check_bus(x.zbs, "table xf", t);
     store_branch(n, x.ibs, x.zbs, x.xfno, 1);
     L3P.I[t] = x.ibs;
     L3P.J[t] = x.zbs;
@@ -232,6 +239,8 @@ void rdrtdc() {
   TablePass p = open_pass("select * from dln", d, binddln, "Binddln failed!", Say::Print,
                           cli_view_only, "Rddln: cli_fetch failed with code", 0);
   LFINF.ndcline = walk_kept(p, d, [&](int32_t m) {
+    check_bus(d.ibs, "table dln", m);
+    check_bus(d.zbs, "table dln", m);
     NL4.grow(static_cast<std::size_t>(m));
     NL4.I[m] = d.ibs;
     NL4.J[m] = d.zbs;
@@ -291,6 +300,7 @@ void rdrtgen() {
   TablePass p = open_pass("select * from un", u, bindun, "Bindun failed!", Say::Print,
                           cli_view_only, "Rdun: cli_fetch failed with code", 0);
   LFINF.ngenerat = walk_kept(p, u, [&](int32_t g) {
+    check_bus(u.ibs, "table un", g);
     if (static_cast<std::size_t>(g) > L5.P.size()) grow_generators(2 * static_cast<std::size_t>(g));
     store_setpoint(L5, g, u);
     L5.merged[g] = 0;
@@ -304,6 +314,7 @@ void rdrtload() {
   TablePass p = open_pass("select * from ld", l, bindld, "Bindld failed!", Say::Print,
                           cli_view_only, "Rdld: cli_fetch failed with code", 0);
   LFINF.nload = walk_kept(p, l, [&](int32_t d) {
+    check_bus(l.ibs, "table ld", d);
     if (static_cast<std::size_t>(d) > L6.P.size()) grow_loads(2 * static_cast<std::size_t>(d));
     store_setpoint(L6, d, l);
     L6.No[d] = l.ldno;
@@ -340,9 +351,15 @@ void rdrtloadpar() {
   TablePass p = open_pass("select * from load_lib order by par_no", l, bindload_lib,
                           "Bindload_lib failed!", Say::Wstring, cli_view_only, nullptr, 0);
   LFINF.nloadpar = p.count;
+  // The set number comes from the row and indexes ABCLC: the library may
+  // number its sets up to its capacity or its row count, whichever is more.
+  const int32_t top = std::max(static_cast<int32_t>(kCapLoadPar), p.count);
+  int32_t row = 0;
   while (cli_get_next(p.stmt) == cli_ok) {
-    // The set number comes from the row; a number below 1 names no set.
+    ++row;
+    // A number below 1 names no set.
     if (l.par_no >= 1) {
+      check_range(l.par_no, top, "parameter set number", "table load_lib", row);
       ABCLC.grow(static_cast<std::size_t>(l.par_no));
       ABCLC.ap[l.par_no] = l.ap;
       ABCLC.bp[l.par_no] = l.bp;
@@ -371,6 +388,7 @@ void rdrtlf() {
   int32_t flag = 0;
   if (LFINF.nload > 0) isrlib(flag);
   if (flag > 0) rdrtloadpar();
+  if (LFINF.nload > 0) check_load_types("table ld");
   NO.nbranch = LFINF.nacline + LFINF.ntrans;
   NO.ndc = LFINF.ndcline;
 }

@@ -59,7 +59,7 @@ TEST_F(Hosts, LfrunNeverChangesTheUsersNameInc) {
   EXPECT_NE(r.out.find("End of Program.", first + 1), std::string::npos);
 
   write_file("sub/NAME.INC", theirs);
-  r = run(kBin + "/lfrun --name-inc --no-print sub/CASE");
+  r = run(kBin + "/lfrun --name-inc --no-print --quiet sub/CASE");
   EXPECT_TRUE(r.status == 0 || r.status == 1);
   EXPECT_TRUE(r.out.empty());
   EXPECT_EQ(read_file("sub/NAME.INC").substr(0, 7), "1\nCASE\n");

@@ -56,5 +56,28 @@ TEST(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
   EXPECT_EQ(L5.mode_ctrl[2], -2);
 }
 
+TEST(Limit, VoltageLimitsOfANewNodeAreThoseOfItsCaseBus) {
+  // Bus 3 of a two-bus case was split: node 3 stands for bus 2.
+  NO.nnode = 3;
+  for (int i = 1; i <= 3; ++i) NEW[i] = i;
+  NNTOON[1] = 1, NNTOON[2] = 2, NNTOON[3] = 2;
+  LL1.busvmin[2] = 0.95, LL1.busvmax[2] = 1.05;
+  LL1.busvmin[3] = LL1.busvmax[3] = 0;  // no row of its own
+  LFINF.ngenerat = 0;
+  LFINF.nload = 2;
+  load(1, 2, -3, 0.1, 0.0, 1.0);
+  load(2, 3, -3, 0.1, 0.0, 1.0);
+  glpos();
+  inivpq();
+  VPQ.V[2] = 1.0;  // inside the limits of bus 2: stays
+  VPQ.V[3] = 1.07;
+  Arr<double> qc(3);
+  int32_t changed = 0;
+  limit(qc, changed);
+  EXPECT_EQ(L6.mode_ctrl[1], -3);
+  EXPECT_EQ(L6.mode_ctrl[2], -1);
+  EXPECT_EQ(VPQ.V[3], 1.05);
+}
+
 }  // namespace
 }  // namespace lf

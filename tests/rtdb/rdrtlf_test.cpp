@@ -100,7 +100,7 @@ TEST_F(ReadTest, FillsTheStoreFromEveryTable) {
 
 TEST_F(ReadTest, AnEmptyStudyCaseReadsEveryTableWithTheDefaults) {
   sql("INSERT INTO global (base_mva) VALUES (50);"
-      "INSERT INTO bs (id) VALUES (0);"
+      "INSERT INTO bs (id) VALUES (0), (1);"
       "INSERT INTO un (ibs, mode_ctrl) VALUES (1, -6);"
       "INSERT INTO ld (ibs, w) VALUES (1, 0.5);");
   start();
@@ -119,7 +119,8 @@ TEST_F(ReadTest, AnEmptyStudyCaseReadsEveryTableWithTheDefaults) {
 }
 
 TEST_F(ReadTest, ModelsKeepTheExtendedTypeCodes) {
-  sql("INSERT INTO case_lf (ctrl_ud, ngenerat) VALUES (1, 1);"
+  sql("INSERT INTO case_lf (ctrl_ud, nbus, ngenerat) VALUES (1, 1, 1);"
+      "INSERT INTO bs (id) VALUES (0), (1);"
       "INSERT INTO un (ibs, mode_ctrl) VALUES (1, -6);");
   start();
   read();

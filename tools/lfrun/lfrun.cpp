@@ -10,6 +10,7 @@
 #include <fstream>
 #include <string>
 
+#include "calclog.hpp"
 #include "dbsession.hpp"
 #include "lfengine.h"
 
@@ -29,7 +30,9 @@ void usage(std::FILE* out) {
       "Runs load-flow calculations on the case whose files are CASE_STEM.L0,\n"
       "CASE_STEM.L1 and so on, and prints the engine's lines.  lfrun works in the\n"
       "folder of CASE_STEM: the engine writes its report files (CASE_STEM.LP1, ...)\n"
-      "and its error list LFERR.LIS there.\n"
+      "and its error list LFERR.LIS there, and itself keeps the engine's lines of\n"
+      "the last calculation in CASE_STEM.LOG.  After each calculation it prints a\n"
+      "summary of the results, read back from the report files (or the database).\n"
       "\n"
       "The engine takes the case name from NAME.INC in that folder (second line),\n"
       "or uses the name LF without one.  lfrun never changes a NAME.INC of yours:\n"
@@ -56,6 +59,9 @@ void usage(std::FILE* out) {
       "                into it; no case or report files are used, CASE_STEM still\n"
       "                names the folder of the run\n"
       "  --name-inc    replaces a NAME.INC that names another case (see above)\n"
+      "  --quiet       leaves out the result summary that follows each calculation\n"
+      "                (convergence, method, totals, extreme voltages, most loaded\n"
+      "                branches, generators at a reactive limit, time)\n"
       "  --nonlinear   solves with the nonlinear method (constant Jacobian with the\n"
       "                exact second-order term) in place of the case's method; its\n"
       "                iteration table goes to standard output\n"
@@ -83,6 +89,7 @@ bool to_int(const char* text, int& value) {
 
 int print_line(const char* line) {
   std::puts(line);
+  keep_line(line);
   return 0;
 }
 
@@ -117,6 +124,7 @@ struct Options {
   int repeat = 1;
   bool replace_name_inc = false;
   bool nonlinear = false;
+  bool quiet = false;  // no result summary after a calculation
   std::string db, stem;
 };
 
@@ -138,6 +146,8 @@ int parse(int argc, char** argv, Options& o) {
       o.flags |= LF_FLAG_LINK;
     } else if (a == "--no-print") {
       o.flags &= ~LF_FLAG_PRINT;
+    } else if (a == "--quiet") {
+      o.quiet = true;
     } else if (a == "--nonlinear") {
       o.nonlinear = true;
     } else if (a == "--name-inc") {
@@ -210,7 +220,11 @@ int main(int argc, char** argv) {
   bool all_converged = true;
   for (int run = 0; run < o.repeat; ++run) {
     int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
-    if (LFCal(&cal_flags) != 0) all_converged = false;
+    const std::string name = fs::path(o.stem).filename().string();
+    start_calculation(name);
+    const bool converged = LFCal(&cal_flags) == 0;
+    if (!converged) all_converged = false;
+    finish_calculation(name, o.db, converged, !o.quiet);
   }
   LFFinilize();
   std::fflush(stdout);

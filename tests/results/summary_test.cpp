@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <regex>
+
+#include "results/hosts.hpp"
+
+namespace lf::test {
+namespace {
+
+// The two numbers after a label in the summary, e.g. "Generation 272.39 82.44".
+std::pair<double, double> pair_after(const std::string& summary, const std::string& label) {
+  std::smatch m;
+  const std::regex re(label + " +(-?[0-9.]+) +(-?[0-9.]+)");
+  if (!std::regex_search(summary, m, re)) return {NAN, NAN};
+  return {std::stod(m[1]), std::stod(m[2])};
+}
+
+// The summary's totals and extreme voltages agree with the report files, in
+// file mode and in database mode alike.
+TEST(Summary, NumbersAgreeWithTheReportFiles) {
+  struct Case {
+    const char *folder, *name;
+  };
+  for (const Case c : {Case{"ieee14", "IEEE14"}, Case{"areas", "AREAS"}}) {
+    SCOPED_TRACE(c.name);
+    const std::string stem = copy_example(c.folder, c.name);
+    int status = -1;
+    const std::string out = output_of(kBin + "/lfrun " + stem, status);
+    EXPECT_EQ(status, 0);
+    const std::size_t at = out.find("Result summary of " + std::string(c.name));
+    ASSERT_NE(at, std::string::npos) << out;
+    const std::string summary = out.substr(at);
+    EXPECT_NE(summary.find("  Converged in "), std::string::npos);
+    EXPECT_TRUE(std::regex_search(summary, std::regex("Calculation time [0-9]+\\.[0-9]{3} ms")));
+
+    double gp = 0, gq = 0, lp = 0, lq = 0;
+    for (const auto& g : report_numbers(stem + ".LP5")) gp += g[1], gq += g[2];
+    for (const auto& l : report_numbers(stem + ".LP6")) lp += l[2], lq += l[3];
+    const auto gen = pair_after(summary, "Generation");
+    const auto load = pair_after(summary, "Load");
+    const auto loss = pair_after(summary, "Losses");
+    EXPECT_NEAR(gen.first, gp * 100, 0.006);
+    EXPECT_NEAR(gen.second, gq * 100, 0.006);
+    EXPECT_NEAR(load.first, lp * 100, 0.006);
+    EXPECT_NEAR(load.second, lq * 100, 0.006);
+    EXPECT_NEAR(loss.first, (gp - lp) * 100, 0.006);
+
+    auto buses = report_numbers(stem + ".LP1");
+    buses.erase(buses.begin());
+    const auto [low, high] = std::minmax_element(
+        buses.begin(), buses.end(), [](const auto& a, const auto& b) { return a[1] < b[1]; });
+    char expect[64];
+    std::snprintf(expect, sizeof expect, "Lowest voltage  %8.4f pu at bus %d ", (*low)[1],
+                  static_cast<int>((*low)[0]));
+    EXPECT_NE(summary.find(expect), std::string::npos) << expect << "\n" << summary;
+    std::snprintf(expect, sizeof expect, "Highest voltage %8.4f pu at bus %d ", (*high)[1],
+                  static_cast<int>((*high)[0]));
+    EXPECT_NE(summary.find(expect), std::string::npos) << expect;
+
+    // lfreport gives the same summary from the files and the run log.
+    const std::string again = output_of(kBin + "/lfreport " + stem, status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(again, "\n" + summary);
+
+    // The database holds the same results (area schedules have no tables).
+    if (std::string(c.name) == "AREAS") continue;
+    const std::string db = std::string(c.name) + ".db";
+    std::filesystem::remove(db);
+    output_of(kBin + "/lfdb import " + stem + " " + db, status);
+    const std::string from_db = output_of(kBin + "/lfrun --db " + db + " " + stem, status);
+    EXPECT_EQ(pair_after(from_db, "Generation"), gen);
+    EXPECT_EQ(pair_after(from_db, "Load"), load);
+  }
+}
+
+TEST(Summary, QuietLeavesItOut) {
+  const std::string stem = copy_example("ieee14", "IEEE14");
+  int status = -1;
+  const std::string out = output_of(kBin + "/lfrun --quiet " + stem, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(out.find("Result summary"), std::string::npos);
+  EXPECT_NE(out.find("End of Program."), std::string::npos);
+}
+
+}  // namespace
+}  // namespace lf::test

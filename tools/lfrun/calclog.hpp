@@ -1,0 +1,15 @@
+// What lfrun keeps of each calculation: the engine's lines in the run log
+// CASE.LOG beside the case, the time the calculation took, and the result
+// summary printed after it.
+#pragma once
+
+#include <string>
+
+// Starts a calculation: the run log is made anew and the clock started.
+void start_calculation(const std::string& case_name);
+// Takes one line of the engine into the run log.
+void keep_line(const char* line);
+// Ends a calculation: notes its time in the run log and, when asked,
+// prints the summary built from the files (or the database) of the case.
+void finish_calculation(const std::string& case_name, const std::string& db, bool converged,
+                        bool print_summary);

@@ -1,0 +1,30 @@
+// The result summary of one calculation: convergence, method, totals,
+// extreme voltages, the most loaded branches and the generators held at a
+// reactive limit, as lines of text.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "results.hpp"
+#include "runlog.hpp"
+
+namespace lfres {
+
+// Totals over the case, per unit.
+struct Totals {
+  double gen_p = 0, gen_q = 0;    // all generators' output
+  double load_p = 0, load_q = 0;  // all loads' consumption
+  double loss_p() const { return gen_p - load_p; }
+  double loss_q() const { return gen_q - load_q; }
+};
+Totals totals_of(const CaseResults& r);
+
+// The branches in order of falling loading (shunt branches left out).
+std::vector<const Branch*> by_loading(const CaseResults& r);
+
+// The lines of the summary; seconds below 0 leaves the time out.
+std::vector<std::string> summary_lines(const CaseResults& r, const RunLog& log, bool converged,
+                                       double seconds);
+
+}  // namespace lfres
