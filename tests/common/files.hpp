@@ -1,6 +1,9 @@
-// Scratch folders and whole files for the tests.
+// Scratch folders, whole files and the output of commands for the tests.
 #pragma once
 
+#include <sys/wait.h>
+
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -64,6 +67,18 @@ inline std::vector<std::string> file_lines(const fs::path& path) {
 inline void copy_folder(const std::string& from_repo, const fs::path& to) {
   for (const auto& f : fs::directory_iterator(fs::path(LF_TEST_DATA_DIR) / "../.." / from_repo))
     fs::copy_file(f.path(), to / f.path().filename(), fs::copy_options::overwrite_existing);
+}
+
+// Runs a command: its standard output; `status` gets the exit status.
+inline std::string output_of(const std::string& command, int& status) {
+  std::string out;
+  std::FILE* p = popen(command.c_str(), "r");
+  char buf[4096];
+  std::size_t n;
+  while (p && (n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
+  const int s = p ? pclose(p) : -1;
+  status = WIFEXITED(s) ? WEXITSTATUS(s) : -1;
+  return out;
 }
 
 }  // namespace lf::test

@@ -24,7 +24,7 @@ TEST(CsvTables, MatchTheGoldenFiles) {
     for (const char* table :
          {"buses", "branches", "transformers", "generators", "loads", "dc_lines", "areas"}) {
       const std::string name = std::string(table) + ".csv";
-      EXPECT_EQ(file_text(dir + "/" + name), file_text(golden + "/" + name)) << name;
+      EXPECT_EQ(read_file(dir + "/" + name), read_file(golden + "/" + name)) << name;
     }
   }
 }
