@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -36,6 +37,12 @@ inline void stop_capture() {
 
 inline int count_printed(const std::string& line) {
   return static_cast<int>(std::count(printed.begin(), printed.end(), line));
+}
+
+// A row of an iteration table: four blanks, then the count in three columns.
+inline bool table_row(const std::string& l) {
+  return l.size() > 8 && l.compare(0, 4, "    ") == 0 &&
+         std::isdigit(static_cast<unsigned char>(l[6])) && l[7] == ' ';
 }
 
 }  // namespace lf::test

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -153,11 +152,8 @@ TEST_F(NewtonTest, EachMethodSolvesTheCaseWithItsTable) {
 // Rows of the table that start with a row number, as (T, rest of the row).
 std::vector<std::pair<int, std::string>> rows_of(const std::vector<std::string>& text) {
   std::vector<std::pair<int, std::string>> rows;
-  for (const auto& l : text) {
-    if (l.size() > 8 && l.compare(0, 4, "    ") == 0 &&
-        std::isdigit(static_cast<unsigned char>(l[6])))
-      rows.emplace_back(std::stoi(l.substr(4, 3)), l.substr(7));
-  }
+  for (const auto& l : text)
+    if (test::table_row(l)) rows.emplace_back(std::stoi(l.substr(4, 3)), l.substr(7));
   return rows;
 }
 

@@ -87,11 +87,6 @@ const char* const kHeading[] = {
     "  Optimum Factor Iterative Process", "  Newton Method (Current Equation) Iterated Process",
     "  Newton Method Iterative Process"};
 
-// Rows of the iteration table: four blanks, the count in three columns.
-bool table_row(const std::string& l) {
-  return l.size() > 8 && l.compare(0, 4, "    ") == 0 && std::isdigit(l[6]) && l[7] == ' ';
-}
-
 struct Deviation {
   double v = 0, deg = 0, flow = 0;
 };
