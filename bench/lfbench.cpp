@@ -1,6 +1,7 @@
 // Times whole load-flow calculations stage by stage.
 //
-//   lfbench [--repeat N] [--timing FILE] [--variant NAME] [--lfrun PATH] DIR...
+//   lfbench [--repeat N] [--timing FILE] [--variant NAME] [--lfrun PATH]
+//           [--json FILE] DIR...
 //
 // Each DIR holds one converted case, named as the folder; the case's own
 // method is the one timed.  The calculation runs N times through its stages in the
@@ -10,9 +11,9 @@
 // method's tables) and, with --timing, the ratio of the reference time of the
 // same case and variant to the whole calculation.  With --lfrun the host
 // program also runs N times on each case as a process of its own, and the
-// median of its processor time, start-up included, is given.
-#include <sys/resource.h>
-#include <sys/wait.h>
+// median of its processor time, start-up included, and its peak resident
+// memory are given, and a first row gives the same for `lfrun --help`, the
+// start-up floor.  With --json the rows also go to FILE as a JSON array.
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,7 +21,6 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
-#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
@@ -67,11 +67,11 @@ constexpr int kStages = 6;
 const char* const kStageNames[kStages] = {"read", "prep", "order", "admit", "iter", "report"};
 
 // Counts the rows of the iteration table: lines that begin with the row number.
-int rows = 0;
+int rows_counted = 0;
 int count_rows(const char* line) {
   if (std::strncmp(line, "    ", 4) == 0 && std::strlen(line) > 7 && line[6] >= '0' &&
       line[6] <= '9')
-    ++rows;
+    ++rows_counted;
   return 0;
 }
 
@@ -130,21 +130,73 @@ void staged(double t[kStages], int32_t& convergent) {
   t[5] = seconds_since(t0);
 }
 
-// Runs the host program on the case LF in the current folder and gives the
-// processor time of the process, user and system, in seconds.
-double process_time(const std::string& lfrun) {
-  std::fflush(stdout);
-  const pid_t pid = fork();
-  if (pid == 0) {
-    if (!freopen("/dev/null", "w", stdout) || !freopen("/dev/null", "w", stderr)) _exit(127);
-    execl(lfrun.c_str(), lfrun.c_str(), "LF", static_cast<char*>(nullptr));
-    _exit(127);
+// One run of the host program as a process of its own: its processor time,
+// user and system, in seconds, and its peak resident memory in kB.
+struct ProcessUse {
+  double seconds = 0;
+  long max_rss_kb = 0;
+};
+
+// Runs the host program with one argument (the case LF in the current
+// folder, or --help) through lfspawn, which stands beside lfbench.
+std::string spawner;
+ProcessUse process_use(const std::string& lfrun, const char* arg) {
+  const std::string cmd = "'" + spawner + "' '" + lfrun + "' " + arg;
+  std::FILE* p = popen(cmd.c_str(), "r");
+  ProcessUse u;
+  if (!p) return u;
+  if (std::fscanf(p, "%lf %ld", &u.seconds, &u.max_rss_kb) != 2) u = {};
+  pclose(p);
+  return u;
+}
+
+// Medians of repeated process runs.
+ProcessUse process_median(const std::string& lfrun, const char* arg, int repeat) {
+  std::vector<double> t, rss;
+  for (int r = 0; r < repeat; ++r) {
+    const ProcessUse u = process_use(lfrun, arg);
+    t.push_back(u.seconds);
+    rss.push_back(static_cast<double>(u.max_rss_kb));
   }
-  int status = 0;
-  rusage use{};
-  if (pid < 0 || wait4(pid, &status, 0, &use) < 0) return 0;
-  auto sec = [](const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * t.tv_usec; };
-  return sec(use.ru_utime) + sec(use.ru_stime);
+  return {median(t), static_cast<long>(median(rss))};
+}
+
+// The rows of the JSON output.
+struct JsonRow {
+  std::string name, variant;
+  int method = 0, iterations = 0;
+  bool converged = false;
+  double stage[kStages] = {};
+  double staged = 0, lfcal = 0, process = -1, reference = -1;
+  long max_rss_kb = -1;
+};
+
+void write_json(const std::string& file, const std::vector<JsonRow>& rows) {
+  std::FILE* f = std::fopen(file.c_str(), "w");
+  if (!f) {
+    std::fprintf(stderr, "lfbench: cannot write %s\n", file.c_str());
+    return;
+  }
+  std::fprintf(f, "[\n");
+  for (std::size_t k = 0; k < rows.size(); ++k) {
+    const JsonRow& r = rows[k];
+    std::fprintf(f, "  {\"case\": \"%s\", \"variant\": \"%s\", \"method\": %d, ", r.name.c_str(),
+                 r.variant.c_str(), r.method);
+    std::fprintf(f, "\"iterations\": %d, \"converged\": %s, \"ms\": {", r.iterations,
+                 r.converged ? "true" : "false");
+    for (int s = 0; s < kStages; ++s)
+      std::fprintf(f, "\"%s\": %.4f, ", kStageNames[s], 1e3 * r.stage[s]);
+    std::fprintf(f, "\"staged\": %.4f, \"LFCal\": %.4f", 1e3 * r.staged, 1e3 * r.lfcal);
+    if (r.process >= 0) std::fprintf(f, ", \"process\": %.4f", 1e3 * r.process);
+    std::fprintf(f, "}");
+    if (r.max_rss_kb >= 0) std::fprintf(f, ", \"max_rss_kb\": %ld", r.max_rss_kb);
+    if (r.reference > 0)
+      std::fprintf(f, ", \"reference_ms\": %.4f, \"ratio\": %.2f", 1e3 * r.reference,
+                   r.lfcal > 0 ? r.reference / r.lfcal : 0.0);
+    std::fprintf(f, "}%s\n", k + 1 < rows.size() ? "," : "");
+  }
+  std::fprintf(f, "]\n");
+  std::fclose(f);
 }
 
 // The reference times: case,variant -> runpf_legacy_median_s.
@@ -165,7 +217,7 @@ std::map<std::string, double> read_timing(const std::string& file) {
 int usage() {
   std::fprintf(stderr,
                "usage: lfbench [--repeat N] [--timing FILE] [--variant NAME] [--lfrun PATH] "
-               "DIR...\n");
+               "[--json FILE] DIR...\n");
   return 2;
 }
 
@@ -173,7 +225,7 @@ int usage() {
 
 int main(int argc, char** argv) {
   int repeat = 5;
-  std::string timing, variant = "base", lfrun;
+  std::string timing, variant = "base", lfrun, json;
   std::vector<std::string> dirs;
   for (int a = 1; a < argc; ++a) {
     const std::string arg = argv[a];
@@ -184,6 +236,8 @@ int main(int argc, char** argv) {
     } else if (arg == "--lfrun" && a + 1 < argc) {
       char path[4096];
       lfrun = realpath(argv[++a], path) ? path : argv[a];
+    } else if (arg == "--json" && a + 1 < argc) {
+      json = argv[++a];
     } else if (arg == "--variant" && a + 1 < argc) {
       variant = argv[++a];
     } else if (arg == "--help" || arg == "-h") {
@@ -195,6 +249,12 @@ int main(int argc, char** argv) {
     }
   }
   if (dirs.empty()) return usage();
+  {
+    char self[4096];
+    const ssize_t n = readlink("/proc/self/exe", self, sizeof self - 1);
+    spawner = std::string(self, n > 0 ? static_cast<std::size_t>(n) : 0);
+    spawner = spawner.substr(0, spawner.find_last_of('/') + 1) + "lfspawn";
+  }
   const auto ref = timing.empty() ? std::map<std::string, double>{} : read_timing(timing);
 
   // The engine as a host starts it, without window, link or printing; the
@@ -207,34 +267,51 @@ int main(int argc, char** argv) {
 
   char home[4096];
   if (!getcwd(home, sizeof home)) return 1;
-  std::printf("%-12s %-8s %2s %5s %3s", "case", "variant", "m", "iter", "ok");
+  std::printf("%-14s %-8s %2s %5s %3s", "case", "variant", "m", "iter", "ok");
   for (const char* s : kStageNames) std::printf(" %8s", s);
-  std::printf(" %9s %9s %9s %9s %7s\n", "staged", "LFCal", "process", "reference", "ratio");
-  std::printf("%-12s %-8s %2s %5s %3s", "", "", "", "", "");
+  std::printf(" %9s %9s %9s %7s %9s %7s\n", "staged", "LFCal", "process", "rss", "reference",
+              "ratio");
+  std::printf("%-14s %-8s %2s %5s %3s", "", "", "", "", "");
   for (int s = 0; s < kStages; ++s) std::printf(" %8s", "ms");
-  std::printf(" %9s %9s %9s %9s %7s\n", "ms", "ms", "ms", "ms", "x");
+  std::printf(" %9s %9s %9s %7s %9s %7s\n", "ms", "ms", "ms", "MB", "ms", "x");
+  std::vector<JsonRow> rows;
+  // The start-up floor: the host that only explains its options.
+  if (!lfrun.empty()) {
+    const ProcessUse u = process_median(lfrun, "--help", repeat);
+    std::printf("%-14s %-8s %2s %5s %3s", "lfrun --help", "-", "-", "-", "-");
+    for (int s = 0; s < kStages; ++s) std::printf(" %8s", "-");
+    std::printf(" %9s %9s %9.3f %7.1f %9s %7s\n", "-", "-", 1e3 * u.seconds,
+                static_cast<double>(u.max_rss_kb) / 1024, "-", "-");
+    JsonRow r;
+    r.name = "lfrun --help";
+    r.process = u.seconds;
+    r.max_rss_kb = u.max_rss_kb;
+    rows.push_back(r);
+  }
   for (const std::string& dir : dirs) {
     if (chdir(dir.c_str()) != 0) {
       std::fprintf(stderr, "lfbench: cannot enter %s\n", dir.c_str());
       continue;
     }
+    JsonRow row;
     {
       std::vector<double> st[kStages], whole, staged_total;
       int32_t convergent = 0;
-      int iterations = 0;
       for (int r = 0; r < repeat; ++r) {
         double t[kStages];
-        rows = 0;
+        rows_counted = 0;
         staged(t, convergent);
-        iterations = rows;
+        row.iterations = rows_counted;
         double sum = 0;
         for (int s = 0; s < kStages; ++s) st[s].push_back(t[s]), sum += t[s];
         staged_total.push_back(sum);
       }
-      const int method = lf::LFINF.method;
+      row.method = lf::LFINF.method;
+      row.converged = convergent != 0;
       std::string name = dir;
       while (name.size() > 1 && name.back() == '/') name.pop_back();
-      name = name.substr(name.find_last_of('/') + 1);
+      row.name = name.substr(name.find_last_of('/') + 1);
+      row.variant = variant;
       // The whole calculation as the host runs it.
       for (int r = 0; r < repeat; ++r) {
         const auto t0 = Clock::now();
@@ -242,27 +319,34 @@ int main(int argc, char** argv) {
         LFCal(&calflags);
         whole.push_back(seconds_since(t0));
       }
-      std::printf("%-12s %-8s %2d %5d %3s", name.c_str(), variant.c_str(), method, iterations,
-                  convergent ? "yes" : "no");
-      for (int s = 0; s < kStages; ++s) std::printf(" %8.3f", 1e3 * median(st[s]));
-      const double total = median(whole);
-      std::printf(" %9.3f %9.3f", 1e3 * median(staged_total), 1e3 * total);
+      for (int s = 0; s < kStages; ++s) row.stage[s] = median(st[s]);
+      row.staged = median(staged_total);
+      row.lfcal = median(whole);
       if (!lfrun.empty()) {
-        std::vector<double> proc;
-        for (int r = 0; r < repeat; ++r) proc.push_back(process_time(lfrun));
-        std::printf(" %9.3f", 1e3 * median(proc));
-      } else {
-        std::printf(" %9s", "-");
+        const ProcessUse u = process_median(lfrun, "LF", repeat);
+        row.process = u.seconds;
+        row.max_rss_kb = u.max_rss_kb;
       }
-      const auto it = ref.find(name + "," + variant);
-      if (it != ref.end())
-        std::printf(" %9.3f %7.1f\n", 1e3 * it->second, it->second / total);
-      else
-        std::printf(" %9s %7s\n", "-", "-");
-      std::fflush(stdout);
+      const auto it = ref.find(row.name + "," + variant);
+      if (it != ref.end()) row.reference = it->second;
     }
+    std::printf("%-14s %-8s %2d %5d %3s", row.name.c_str(), variant.c_str(), row.method,
+                row.iterations, row.converged ? "yes" : "no");
+    for (int s = 0; s < kStages; ++s) std::printf(" %8.3f", 1e3 * row.stage[s]);
+    std::printf(" %9.3f %9.3f", 1e3 * row.staged, 1e3 * row.lfcal);
+    if (row.process >= 0)
+      std::printf(" %9.3f %7.1f", 1e3 * row.process, static_cast<double>(row.max_rss_kb) / 1024);
+    else
+      std::printf(" %9s %7s", "-", "-");
+    if (row.reference > 0)
+      std::printf(" %9.3f %7.1f\n", 1e3 * row.reference, row.reference / row.lfcal);
+    else
+      std::printf(" %9s %7s\n", "-", "-");
+    std::fflush(stdout);
+    rows.push_back(row);
     if (chdir(home) != 0) return 1;
   }
+  if (!json.empty()) write_json(json, rows);
   LFFinilize();
   return 0;
 }

@@ -141,10 +141,10 @@ void setup(const Net& net) {
 // reduced to its identity; values of the kind that the Newton methods form.
 struct BlockSystem {
   int32_t n = 0, nent = 0;
-  Arr<int32_t> ia, ja, chrow, chpos, chfirst, chfirstrow, upfirst;
-  Arr<double> aa, ab, ac, ad;
-  Arr<int32_t> il, jl, lnrow, lnpos;
-  Arr<double> la, lb, lc, ld, ua, ub, uc, ud, r1, r2, x1, x2;
+  Arr<int32_t> ia, ja;
+  Arr<double> aa, ab, ac, ad, r1, r2, x1, x2;
+  BlockChains chains;
+  BlockStore factors;
 
   void build() {
     n = NO.nnode;
@@ -182,19 +182,13 @@ struct BlockSystem {
     nent = q - 1;
     for (Arr<double>* a : {&r1, &r2, &x1, &x2}) a->grow(static_cast<std::size_t>(n));
     for (int32_t i = 1; i <= n; ++i) r1[i] = 0.01 * i, r2[i] = -0.02;
-    adlink7l(ia, ja, n, nent, chrow, chpos, chfirst, chfirstrow, upfirst);
+    adlink7l(ia, ja, n, chains);
   }
-  void first() {
-    nonsym74(n, nent, 5 * NO.NYENT, chfirst, upfirst, chfirstrow, chrow, chpos, ia, ja, aa, ab, ac,
-             ad, il, jl, lnrow, lnpos, la, lb, lc, ld, il, jl, lnrow, lnpos, ua, ub, uc, ud);
-  }
-  void again() {
-    nonsym74o(n, nent, 5 * NO.NYENT, chfirst, upfirst, chfirstrow, chrow, chpos, ia, ja, aa, ab, ac,
-              ad, il, jl, lnrow, lnpos, la, lb, lc, ld, il, jl, lnrow, lnpos, ua, ub, uc, ud);
-  }
-  void solve() {
-    solvxn(n, nent, il, jl, lnrow, lnpos, ua, uc, ub, ud, la, lc, lb, ld, r1, r2, x1, x2);
-  }
+  BlockPattern pattern() const { return {n, ia.data(), ja.data(), &chains}; }
+  BlockValues values() const { return {aa.data(), ab.data(), ac.data(), ad.data()}; }
+  void first() { nonsym74(pattern(), values(), factors); }
+  void again() { nonsym74o(pattern(), values(), factors); }
+  void solve() { solvxn(factors, r1, r2, x1, x2); }
 };
 
 void BM_ordering(benchmark::State& st) {
@@ -233,10 +227,10 @@ void BM_block_first_factor(benchmark::State& st) {
   BlockSystem s;
   s.build();
   for (auto _ : st) {
-    adlink7l(s.ia, s.ja, s.n, s.nent, s.chrow, s.chpos, s.chfirst, s.chfirstrow, s.upfirst);
+    adlink7l(s.ia, s.ja, s.n, s.chains);
     s.first();
   }
-  st.counters["factor"] = s.il[s.n + 1] - 1;
+  st.counters["factor"] = s.factors.iu[static_cast<std::size_t>(s.n) + 1] - 1;
 }
 
 void BM_block_refactor(benchmark::State& st) {

@@ -1,7 +1,18 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that the build needs and that are missing.
+# Installs the Debian packages that the build needs and that are missing;
+# with --tests also what the tests need.
+#   tools/install-deps.sh [--tests]
 set -euo pipefail
-pkgs=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev)
+# libfltk1.3-dev: the on-screen progress window.
+pkgs=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev libfltk1.3-dev)
+tests=0
+if [ "${1:-}" = "--tests" ]; then
+  tests=1
+  # xvfb, xauth and xdotool: the window's tests on a virtual X server;
+  # chromium (and npm for its driver): the test of lfreport's page.
+  pkgs+=(xvfb xauth xdotool chromium)
+  command -v npm >/dev/null || pkgs+=(npm)
+fi
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -10,4 +21,12 @@ if [ ${#missing[@]} -gt 0 ]; then
   echo "installing: ${missing[*]}"
   apt-get update -qq
   DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}"
+fi
+
+# The page test drives Chromium with puppeteer-core, installed from the
+# lock file into tests/browser/node_modules.
+browser=$(cd "$(dirname "$0")/../tests/browser" && pwd)
+if [ $tests = 1 ] && [ ! -d "$browser/node_modules/puppeteer-core" ]; then
+  echo "installing the browser test's npm packages into $browser/node_modules"
+  (cd "$browser" && npm ci --no-audit --no-fund --loglevel=error)
 fi

@@ -91,17 +91,25 @@ void correction_test(Form form, int32_t& status) {
   double peps = LFINF.tolerance;
   double pbest = 100000000;
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
+  BusState before;  // the buses before the last correction
   int32_t ip = 0;
   for (;;) {  // one pass from the flat start
     heading(form);
     int32_t t = 0;
     double mu = 1;
     inivpq();
+    w.angles_due = false;
+    save_buses(w, before);
     for (;;) {
       if (LFINF.ndcline != 0) dctran();
       form_system(form, w);
+      if (const int32_t at = nonfinite_at(w.n, w.D1, w.D2))
+        return diverge(w, before, "mismatch", at, status);
       factorise(w, t == 0);
       solve(w, w.D1, w.D2, w.X1, w.X2);
+      if (const int32_t at = nonfinite_at(w.n, w.X1, w.X2))
+        return diverge(w, before, "correction", at, status);
       const double dmax = largest(w.X1, w.X2, w.n, ip);
       print_row(w, t, ip, dmax, form == Form::Optimum ? std::optional<double>(mu) : std::nullopt);
       if (dmax <= peps) {
@@ -112,6 +120,7 @@ void correction_test(Form form, int32_t& status) {
       pbest = std::min(pbest, dmax);
       if (t > LFINF.iteration) break;
       if (form == Form::Optimum) mu = optimum_factor(w);
+      save_buses(w, before);
       correct(w, mu);
       if (interrupted()) {
         status = 0;

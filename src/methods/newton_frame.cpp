@@ -5,7 +5,6 @@
 
 #include "io/channels.hpp"
 #include "methods/limit.hpp"
-#include "sparse/blockfactor.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
 
@@ -21,11 +20,6 @@ NewtonWork& newton_work() {
   w.IA.grow(n + 1);
   w.JA.grow(w.nent);
   for (Arr<double>* a : {&w.AA, &w.AB, &w.AC, &w.AD}) a->grow(w.nent);
-  for (Arr<int32_t>* a : {&w.CHROW, &w.CHPOS}) a->grow(w.nent);
-  for (Arr<int32_t>* a : {&w.CHFIRST, &w.CHFIRSTROW, &w.UPFIRST, &w.IU}) a->grow(n + 1);
-  const std::size_t cap = 5 * static_cast<std::size_t>(NO.NYENT);
-  for (Arr<int32_t>* a : {&w.JU, &w.UNROW, &w.UNPOS}) a->grow(cap);
-  for (Arr<double>* a : {&w.LA, &w.LB, &w.LC, &w.LD, &w.UA, &w.UB, &w.UC, &w.UD}) a->grow(cap);
   // The table names a bus by the first case bus whose reduced number has its
   // internal number; one that has none is shown by the bus after the last.
   const int32_t nbus = LFINF.nbus;
@@ -39,29 +33,31 @@ NewtonWork& newton_work() {
   return w;
 }
 
+namespace {
+
+BlockValues values_of(const NewtonWork& w) {
+  return {w.AA.data(), w.AB.data(), w.AC.data(), w.AD.data()};
+}
+
+}  // namespace
+
 void factorise(NewtonWork& w, bool first) {
-  const int32_t cap = 5 * NO.NYENT;
+  const BlockPattern a{w.n, w.IA.data(), w.JA.data(), &w.chains};
   if (first) {
-    adlink7l(w.IA, w.JA, w.n, w.nent, w.CHROW, w.CHPOS, w.CHFIRST, w.CHFIRSTROW, w.UPFIRST);
-    nonsym74(w.n, w.nent, cap, w.CHFIRST, w.UPFIRST, w.CHFIRSTROW, w.CHROW, w.CHPOS, w.IA, w.JA,
-             w.AA, w.AB, w.AC, w.AD, w.IU, w.JU, w.UNROW, w.UNPOS, w.LA, w.LB, w.LC, w.LD, w.IU,
-             w.JU, w.UNROW, w.UNPOS, w.UA, w.UB, w.UC, w.UD);
+    adlink7l(w.IA, w.JA, w.n, w.chains);
+    nonsym74(a, values_of(w), w.factors);
   } else {
-    nonsym74o(w.n, w.nent, cap, w.CHFIRST, w.UPFIRST, w.CHFIRSTROW, w.CHROW, w.CHPOS, w.IA, w.JA,
-              w.AA, w.AB, w.AC, w.AD, w.IU, w.JU, w.UNROW, w.UNPOS, w.LA, w.LB, w.LC, w.LD, w.IU,
-              w.JU, w.UNROW, w.UNPOS, w.UA, w.UB, w.UC, w.UD);
+    nonsym74o(a, values_of(w), w.factors);
   }
 }
 
 void factorise_whole(NewtonWork& w) {
-  nonsym(w.n, w.nent, 5 * NO.NYENT, w.IA, w.JA, w.AA, w.AB, w.AC, w.AD, w.IU, w.JU, w.UNROW,
-         w.UNPOS, w.UA, w.UB, w.UC, w.UD, w.LA, w.LB, w.LC, w.LD);
+  nonsym(w.IA, w.JA, w.n, values_of(w), w.factors);
 }
 
 void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
            Arr<double>& x2) {
-  solvxn(w.n, w.nent, w.IU, w.JU, w.UNROW, w.UNPOS, w.UA, w.UC, w.UB, w.UD, w.LA, w.LC, w.LB, w.LD,
-         r1, r2, x1, x2);
+  solvxn(w.factors, r1, r2, x1, x2);
 }
 
 void power_mismatch(NewtonWork& w) {
@@ -88,8 +84,34 @@ void correct(NewtonWork& w, double mu) {
     E[i] -= mu * w.X1[i];
     F[i] -= mu * w.X2[i];
     VPQ.V[i] = std::sqrt(E[i] * E[i] + F[i] * F[i]);
-    VPQ.TH[i] = (std::fabs(E[i]) > 1e-20 || std::fabs(F[i]) > 1e-20) ? std::atan2(F[i], E[i]) : 0;
   }
+  w.angles_due = true;
+  // The models may read the angles in the next iteration.
+  if (NU.nud != 0) settle_angles(w);
+}
+
+void settle_angles(NewtonWork& w) {
+  if (!w.angles_due) return;
+  w.angles_due = false;
+  const Arr<double>& E = VPQ.E;
+  const Arr<double>& F = VPQ.F;
+  for (int32_t i = 1; i <= w.n; ++i)
+    VPQ.TH[i] = (std::fabs(E[i]) > 1e-20 || std::fabs(F[i]) > 1e-20) ? std::atan2(F[i], E[i]) : 0;
+}
+
+void save_buses(NewtonWork& w, BusState& before) {
+  before.save(w.n);
+  w.saved_angles_due = w.angles_due;
+}
+
+void diverge(NewtonWork& w, const BusState& before, std::string_view what, int32_t at,
+             int32_t& status) {
+  status = 0;
+  say_nonfinite(what, at);
+  before.restore(w.n);
+  w.angles_due = w.saved_angles_due;
+  allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
+  power_mismatch(w);
 }
 
 bool limits_hold(NewtonWork& w) {

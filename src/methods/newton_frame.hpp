@@ -7,7 +7,9 @@
 #include <optional>
 #include <string_view>
 
+#include "methods/finite.hpp"
 #include "methods/iteration.hpp"
+#include "sparse/blockfactor.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
 #include "support/arr.hpp"
@@ -40,12 +42,29 @@ struct NewtonWork {
   Arr<double> C1, C2;          // the power of the correction alone
   Arr<int32_t> IA, JA;         // the Jacobian by rows
   Arr<double> AA, AB, AC, AD;
-  // Its block factors: the column chains of the matrix, then the L and U
-  // stores, which share their positions, index arrays and chains.
-  Arr<int32_t> CHROW, CHPOS, CHFIRST, CHFIRSTROW, UPFIRST;
-  Arr<int32_t> IU, JU, UNROW, UNPOS;
-  Arr<double> LA, LB, LC, LD, UA, UB, UC, UD;
+  BlockChains chains;  // the column chains of the Jacobian, linked with each new pattern
+  BlockStore factors;  // its block factors, sized by the fill-in they need
   Arr<int32_t> FIRST;  // by internal bus: the first reduced number with that internal number
+  // True when correct() has moved E, F since TH was last set: the angles
+  // then follow from E, F through settle_angles, which the methods call on
+  // their way out.  Cleared at the start of each pass, where TH is set anew.
+  bool angles_due = false;
+  bool saved_angles_due = false;  // angles_due when the buses were last saved (save_buses)
+};
+
+// Brings TH in line with E, F after corrections.  Without user-defined
+// models nothing reads the angles during the iterations, so they are worked
+// out once at the end instead of in every iteration; the values are the same.
+void settle_angles(NewtonWork& w);
+
+// Saves the buses before a correction (BusState::save), noting whether their
+// angles were due, so that diverge brings back the same angles.
+void save_buses(NewtonWork& w, BusState& before);
+
+// Settles the angles when a method returns, whichever way it returns.
+struct AnglesOnReturn {
+  NewtonWork& w;
+  ~AnglesOnReturn() { settle_angles(w); }
 };
 
 // The store, sized for the present case.
@@ -69,8 +88,14 @@ void power_mismatch(NewtonWork& w);
 // that reaches it and keeps its value when nothing is above 0.
 double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& ip);
 
-// E -= mu X1, F -= mu X2 for every bus, then V and TH from them.
+// E -= mu X1, F -= mu X2 for every bus, then V from them; TH is due.
 void correct(NewtonWork& w, double mu);
+
+// Ends an iteration on a value that is not finite at internal bus `at`:
+// the line that says so, the buses back in the state `before` and the
+// powers of that state in PC, QC and VPQ; status becomes 0.
+void diverge(NewtonWork& w, const BusState& before, std::string_view what, int32_t at,
+             int32_t& status);
 
 // At convergence: limit may switch bus types.  True when it changed none,
 // so that the method is done; otherwise it iterates on with the same T.

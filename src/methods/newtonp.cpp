@@ -18,11 +18,17 @@ void newtonp(int32_t& status) {
   const double peps = LFINF.tolerance;
   bool firstdone = false;  // the pattern is found once per call, across both passes
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
+  BusState before;  // the buses before the last correction
   int32_t ip = 0;
   for (int32_t pass = 1; pass <= 2; ++pass) {
     LFINF.tolerance = kRoughTolerance;
-    pqdecp(status);
+    bool finite = true;
+    pqdecp(status, finite);
+    w.angles_due = false;
     LFINF.tolerance = peps;
+    if (!finite) return;  // the decoupled start has said so
+    save_buses(w, before);
     wstring(" ");
     print_heading("Newton Method Iterative Process", 31, "      T         BUS.          MAX(DP,DQ)",
                   false);
@@ -31,6 +37,8 @@ void newtonp(int32_t& status) {
       if (LFINF.ndcline != 0) dctran();
       allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
       power_mismatch(w);
+      if (const int32_t at = nonfinite_at(w.n, w.D1, w.D2))
+        return diverge(w, before, "mismatch", at, status);
       const double dmax = largest(w.D1, w.D2, w.n, ip);
       print_row(w, t, ip, dmax);
       if (dmax <= peps) {
@@ -43,6 +51,9 @@ void newtonp(int32_t& status) {
       factorise(w, !firstdone);
       firstdone = true;
       solve(w, w.D1, w.D2, w.X1, w.X2);
+      if (const int32_t at = nonfinite_at(w.n, w.X1, w.X2))
+        return diverge(w, before, "correction", at, status);
+      save_buses(w, before);
       correct(w, 1);
       if (interrupted()) {
         status = 0;

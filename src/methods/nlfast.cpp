@@ -33,10 +33,12 @@ void nlfast(int32_t& status) {
   // its first solution.
   const double pbest = 100000000;
   NewtonWork& w = newton_work();
+  const AnglesOnReturn settle{w};
   const int32_t n = w.n;
   Arr<double> e0(n), f0(n), p0(n), q0(n), xn1(n), xn2(n);
   Arr<double>& c1 = w.C1;
   Arr<double>& c2 = w.C2;
+  BusState before;  // the buses before the last correction
   int32_t ip = 0;
   for (int32_t pass = 1; pass <= 2; ++pass) {
     put_line("  NOLINEAR METHOD ITERATIVE PROCESS");
@@ -45,6 +47,8 @@ void nlfast(int32_t& status) {
     put_line("      ---       ----------     ------------");
     int32_t t = 0;
     inivpq();
+    w.angles_due = false;
+    save_buses(w, before);
     for (int32_t i = 1; i <= n; ++i) {
       e0[i] = VPQ.E[i];
       f0[i] = VPQ.F[i];
@@ -66,7 +70,11 @@ void nlfast(int32_t& status) {
               std::sqrt(e0[i] * e0[i] + f0[i] * f0[i] + w.X1[i] * w.X1[i] + w.X2[i] * w.X2[i]);
       }
       power_mismatch(w);
+      if (const int32_t at = nonfinite_at(n, w.D1, w.D2))
+        return diverge(w, before, "mismatch", at, status);
       solve(w, w.D1, w.D2, xn1, xn2);
+      if (const int32_t at = nonfinite_at(n, xn1, xn2))
+        return diverge(w, before, "correction", at, status);
       // The change of the accumulated correction decides convergence.
       for (int32_t i = 1; i <= n; ++i) {
         w.D1[i] = xn1[i] - w.X1[i];
@@ -80,6 +88,7 @@ void nlfast(int32_t& status) {
         power_mismatch(w);
         return;
       }
+      save_buses(w, before);
       for (int32_t i = 1; i <= n; ++i) {
         VPQ.E[i] = e0[i];
         VPQ.F[i] = f0[i];

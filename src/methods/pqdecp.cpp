@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "control/dcline.hpp"
 #include "io/channels.hpp"
+#include "methods/finite.hpp"
 #include "methods/iteration.hpp"
 #include "methods/limit.hpp"
 #include "sparse/symfactor.hpp"
@@ -158,8 +160,9 @@ void formb2(Arr<double>& b) {
   }
 }
 
-void pqdecp(int32_t& status) {
+void pqdecp(int32_t& status, bool& finite) {
   const int32_t n = NO.nnode;
+  finite = true;
   int32_t convergent = 1;
   glpos();
   Arr<double> b1, b2;
@@ -172,29 +175,48 @@ void pqdecp(int32_t& status) {
 
   Arr<double> dp(n), dq(n), x(n), pc(n), qc(n), ir(n), ii(n);
   int32_t ip = 0, iq = 0;
+  // A value that is not finite ends the run: the buses go back to the state
+  // before the last correction, and the powers are that state's.
+  BusState before;
+  const auto diverge = [&](std::string_view what, int32_t at) {
+    say_nonfinite(what, at);
+    before.restore(n);
+    allbpq(3, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
+    mismatch_p(n, pc, dp);
+    mismatch_q(n, qc, dq, FixedV::Cut);
+    finite = false;
+    status = 0;
+  };
   for (;;) {
     // A pass from the flat start.
     double pbest = kNoBest;
     heading();
     int32_t t = 0;
     inivpq();
+    before.save(n);
     for (;;) {
       if (LFINF.ndcline != 0) dctran();
 
       allbpq(1, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
       mismatch_p(n, pc, dp);
+      if (const int32_t at = nonfinite_at(n, dp)) return diverge("mismatch", at);
       const double maxdp = largest(n, dp, ip);
       if (maxdp >= peps) {
         correction(n, f, f.lv1, dp, x);
+        if (const int32_t at = nonfinite_at(n, x)) return diverge("correction", at);
+        before.save(n);
         for (int32_t i = 1; i <= n; ++i) VPQ.TH[i] -= x[i];
         set_ef(n);
       }
 
       allbpq(2, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
       mismatch_q(n, qc, dq, FixedV::Cut);
+      if (const int32_t at = nonfinite_at(n, dq)) return diverge("mismatch", at);
       double maxdq = largest(n, dq, iq);
       if (maxdq >= peps) {
         correction(n, f, f.lv2, dq, x);
+        if (const int32_t at = nonfinite_at(n, x)) return diverge("correction", at);
+        before.save(n);
         for (int32_t i = 1; i <= n; ++i) VPQ.V[i] -= x[i];
         set_ef(n);
       }

@@ -43,12 +43,18 @@ struct EndCurrents {
   double cr, cx, dr, dx;
 };
 
+// x / Z for a branch of squared impedance Z; a branch without impedance
+// carries no current of its own, as in the admittance matrix.
+double per_z(double x, double Z) {
+  return Z == 0 ? 0.0 : x / Z;
+}
+
 EndCurrents end_currents(int32_t i, int32_t j, double R, double X, double B, double T, double Z) {
   const double t = T > 0 ? T : 1.0;
   const double a = t * VPQ.E[i] - VPQ.E[j];
   const double b = t * VPQ.F[i] - VPQ.F[j];
-  const double sr = (R * a + X * b) / Z / t;
-  const double si = (R * b - X * a) / Z / t;
+  const double sr = per_z(R * a + X * b, Z) / t;
+  const double si = per_z(R * b - X * a, Z) / t;
   return {sr - B * VPQ.F[i], si + B * VPQ.E[i], -sr / t - B * VPQ.F[j], B * VPQ.E[j] - si / t};
 }
 
@@ -160,8 +166,8 @@ void brpq(int32_t k, double& pij, double& qij, double& pji, double& qji, double&
   const double Z = R * R + X * X;
   pji = qji = ci = cj = 0;
   if (i == j) {  // shunt to ground
-    pij = VPQ.V[i] * VPQ.V[i] * R / Z;
-    qij = VPQ.V[i] * VPQ.V[i] * X / Z;
+    pij = per_z(VPQ.V[i] * VPQ.V[i] * R, Z);
+    qij = per_z(VPQ.V[i] * VPQ.V[i] * X, Z);
     return;
   }
   const EndCurrents c = end_currents(i, j, R, X, B, T, Z);
@@ -178,7 +184,7 @@ void bracurrent(int32_t k, double& ii, double& ij) {
   const double R = RXB.R[k], X = RXB.X[k];
   const double Z = R * R + X * X;
   if (i == j) {
-    ii = VPQ.V[i] * VPQ.V[i] / std::sqrt(Z);
+    ii = Z == 0 ? 0.0 : VPQ.V[i] * VPQ.V[i] / std::sqrt(Z);
     ij = 0;
     return;
   }

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <vector>
 
-#include "sparse/blockwork.hpp"
-
 namespace lf {
 
 namespace {
@@ -13,62 +11,28 @@ namespace {
 // Smallest determinant size of a pivot block; smaller ones become +-kTinyDet.
 constexpr double kTinyDet = 1e-20;
 
-// One step of the chain of a position: the row of the entry led to, and its
-// position.
-struct Link {
-  int32_t row, pos;
-};
-
-// The factor while it is worked out: values and chains by position, each
-// position in one place.  They go to the caller's parallel arrays at the end.
-// Kept between calls so that a refactorisation allocates nothing.
-struct Scratch {
-  std::vector<BlockEntry> val;
-  std::vector<Link> link;
-  std::vector<int32_t> start;                   // refactorisation: first of each column in above
-  std::vector<Link> above;                      // refactorisation: the entries of U by column
-  std::vector<int32_t> pattern_il, pattern_ju;  // the pattern that above was laid out for
-  BlockWork work{0};
-  void room(std::size_t q) {
-    if (q < val.size()) return;
-    const std::size_t want = std::max(q + 1, 2 * val.size());
-    val.resize(want);
-    link.resize(want);
-  }
-};
-
-Scratch& scratch() {
-  static Scratch s;
-  return s;
-}
-
-// The matrix and its chains.
-struct Matrix {
-  const int32_t *ia, *ja, *chfirst, *chfirstrow, *chrow, *chpos, *upfirst;
-  const double *aa, *ab, *ac, *ad;
-};
-
 // Loads the entries of column i on and below the diagonal into side 0 of the
 // work row and those of row i right of the diagonal into side 1.  With
 // Discover their indices join the patterns; without, the work row already
 // holds the pattern of the factor, which covers the matrix's.
 template <bool Discover>
-void load(const Matrix& A, int32_t i, BlockWork& w) {
-  if (const int32_t start = A.chfirst[i]; start != 0) {
-    int32_t p = start, row = A.chfirstrow[i];
+void load(const BlockPattern& A, const BlockValues& v, int32_t i, BlockWork& w) {
+  const BlockChains& ch = *A.chains;
+  if (const int32_t start = ch.chfirst[i]; start != 0) {
+    int32_t p = start, row = ch.chfirstrow[i];
     do {
       if (Discover) w.enter(0, row);
-      w.set(0, row, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
-      row = A.chrow[p];
-      p = A.chpos[p];
+      w.set(0, row, v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
+      row = ch.chrow[p];
+      p = ch.chpos[p];
     } while (p != start && p != 0);
   }
   const int32_t end = A.ia[i + 1];
-  const int32_t from = A.upfirst[i] != 0 ? A.upfirst[i] : end;
+  const int32_t from = ch.upfirst[i] != 0 ? ch.upfirst[i] : end;
   for (int32_t p = from; p < end; ++p) {
     const int32_t c = A.ja[p];
     if (Discover) w.enter(1, c);
-    w.set(1, c, A.aa[p], A.ab[p], A.ac[p], A.ad[p]);
+    w.set(1, c, v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
   }
 }
 
@@ -78,38 +42,38 @@ void load(const Matrix& A, int32_t i, BlockWork& w) {
 // L[., k] U[k][i] taken off from row i on, row i of U gets L[i][k] U[k, .]
 // taken off right of column i.
 template <bool Discover>
-void eliminate(const Matrix& A, const int32_t* il, const int32_t* jl, const int32_t* ju,
+void eliminate(const BlockPattern& A, const BlockValues& v, const int32_t* iu, const int32_t* ju,
                const BlockEntry* val, int32_t i, const Link* above, std::size_t nabove,
                BlockWork& w) {
-  load<Discover>(A, i, w);
+  load<Discover>(A, v, i, w);
   // The positions lie far apart in the store: ask for the next ones early.
   constexpr std::size_t kAhead = 2;
   for (std::size_t t = 0; t < std::min(kAhead, nabove); ++t) __builtin_prefetch(val + above[t].pos);
   for (std::size_t t = 0; t < nabove; ++t) {
     if (t + kAhead < nabove) {
       __builtin_prefetch(val + above[t + kAhead].pos);
-      __builtin_prefetch(jl + above[t + kAhead].pos);
+      __builtin_prefetch(ju + above[t + kAhead].pos);
     }
     const int32_t k = above[t].row, p = above[t].pos;
     const double* l = val[p].v[0];
     const double* u = val[p].v[1];
     const double ualpha[4] = {-u[0], -u[1], -u[2], -u[3]};
     const double lalpha[4] = {-l[0], -l[1], -l[2], -l[3]};
-    const int32_t m = il[k + 1] - p;
+    const int32_t m = iu[k + 1] - p;
     if (Discover) {
-      m2axpy(0, w, m, jl + p, val + p, ualpha);
+      m2axpy(0, w, m, ju + p, val + p, ualpha);
       m2axpy(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
     } else {
-      m2axpyo(0, w, m, jl + p, val + p, ualpha);
+      m2axpyo(0, w, m, ju + p, val + p, ualpha);
       m2axpyo(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
     }
   }
 }
 
 // Stores the pivot of column i at q and the entries of L and U at the
-// positions q+1 .. q+count whose columns jl already names: L as worked out,
+// positions q+1 .. q+count whose columns ju already names: L as worked out,
 // U multiplied from the left by the inverse of the pivot block.
-void store(BlockEntry* val, const int32_t* jl, int32_t i, int32_t q, int32_t count,
+void store(BlockEntry* val, const int32_t* ju, int32_t i, int32_t q, int32_t count,
            const BlockWork& w) {
   const double* piv = w.block(0, i);
   const double pa = piv[0], pb = piv[1], pc = piv[2], pd = piv[3];
@@ -121,7 +85,7 @@ void store(BlockEntry* val, const int32_t* jl, int32_t i, int32_t q, int32_t cou
   if (std::fabs(det) <= kTinyDet) det = det >= 0.0 ? kTinyDet : -kTinyDet;
   const double ia = pd / det, ib = -pb / det, ic = -pc / det, id = pa / det;
   for (int32_t s = q + 1; s <= q + count; ++s) {
-    const int32_t j = jl[s];
+    const int32_t j = ju[s];
     const double* wl = w.block(0, j);
     double* ls = val[s].v[0];
     ls[0] = wl[0], ls[1] = wl[1], ls[2] = wl[2], ls[3] = wl[3];
@@ -135,73 +99,54 @@ void store(BlockEntry* val, const int32_t* jl, int32_t i, int32_t q, int32_t cou
   }
 }
 
-// Hands the values of positions 1..used to the caller's arrays.
-void hand_out(const Scratch& f, int32_t used, Arr<double>& la, Arr<double>& lb, Arr<double>& lc,
-              Arr<double>& ld, Arr<double>& ua, Arr<double>& ub, Arr<double>& uc, Arr<double>& ud) {
-  for (Arr<double>* a : {&la, &lb, &lc, &ld, &ua, &ub, &uc, &ud})
-    a->grow(static_cast<std::size_t>(used));
-  double *pla = la.data(), *plb = lb.data(), *plc = lc.data(), *pld = ld.data();
-  double *pua = ua.data(), *pub = ub.data(), *puc = uc.data(), *pud = ud.data();
-  const BlockEntry* val = f.val.data();
-  for (int32_t s = 1; s <= used; ++s) {
-    const double* l = val[s].v[0];
-    const double* u = val[s].v[1];
-    pla[s] = l[0], plb[s] = l[1], plc[s] = l[2], pld[s] = l[3];
-    pua[s] = u[0], pub[s] = u[1], puc[s] = u[2], pud[s] = u[3];
-  }
-}
-
 // Lays out the entries of U by column, with their rows, ascending, in
 // f.above from f.start[c]: the column chains of U (and row chains of L) in the
 // order they run, laid out flat so that the positions can be fetched ahead
-// instead of one hop at a time.  A refactorisation on the pattern of the call
-// before finds the layout made already.
-void by_column(Scratch& f, int32_t n, const int32_t* il, const int32_t* ju, int32_t used) {
-  const std::size_t rows = static_cast<std::size_t>(n) + 2;
-  const std::size_t ents = static_cast<std::size_t>(used) + 1;
-  if (f.pattern_il.size() == rows && f.pattern_ju.size() == ents &&
-      std::equal(il + 1, il + rows, f.pattern_il.begin() + 1) &&
-      std::equal(ju + 1, ju + ents, f.pattern_ju.begin() + 1))
-    return;
-  f.pattern_il.assign(il, il + rows);
-  f.pattern_ju.assign(ju, ju + ents);
+// instead of one hop at a time.  Done once for the pattern that nonsym74
+// found; the refactorisations on it find the layout made.
+void by_column(BlockStore& f) {
+  if (f.laid_out) return;
+  f.laid_out = true;
+  const int32_t n = f.n;
+  const int32_t* iu = f.iu.data();
+  const int32_t* ju = f.ju.data();
   std::vector<int32_t>& start = f.start;
   std::vector<Link>& above = f.above;
-  start.assign(rows, 0);
-  above.resize(static_cast<std::size_t>(used));
+  start.assign(static_cast<std::size_t>(n) + 2, 0);
+  above.resize(static_cast<std::size_t>(iu[n + 1] - 1));
   for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
+    for (int32_t s = iu[k] + 1; s < iu[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
   for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
   for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = il[k] + 1; s < il[k + 1]; ++s)
+    for (int32_t s = iu[k] + 1; s < iu[k + 1]; ++s)
       above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
   for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
   start[0] = 0;
 }
 
-Matrix matrix_of(const Arr<int32_t>& ia, const Arr<int32_t>& ja, const Arr<int32_t>& chfirst,
-                 const Arr<int32_t>& chfirstrow, const Arr<int32_t>& chrow,
-                 const Arr<int32_t>& chpos, const Arr<int32_t>& upfirst, const Arr<double>& aa,
-                 const Arr<double>& ab, const Arr<double>& ac, const Arr<double>& ad) {
-  return {ia.data(),      ja.data(), chfirst.data(), chfirstrow.data(), chrow.data(), chpos.data(),
-          upfirst.data(), aa.data(), ab.data(),      ac.data(),         ad.data()};
-}
-
 }  // namespace
 
-void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, int32_t nent,
-              Arr<int32_t>& chrow, Arr<int32_t>& chpos, Arr<int32_t>& chfirst,
-              Arr<int32_t>& chfirstrow, Arr<int32_t>& upfirst) {
+void BlockStore::room(std::size_t q) {
+  if (q < val.size()) return;
+  const std::size_t want = std::max(q + 1, 2 * val.size());
+  val.resize(want);
+  chain.resize(want);
+  ju.resize(want, 0);
+}
+
+void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch) {
   const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  const std::size_t ents = static_cast<std::size_t>(std::max(nent, 0));
-  for (Arr<int32_t>* a : {&chrow, &chpos}) {
+  const std::size_t ents = n > 0 ? static_cast<std::size_t>(ia[n + 1] - 1) : 0;
+  for (Arr<int32_t>* a : {&ch.chrow, &ch.chpos}) {
     a->grow(ents);
     a->clear(ents);
   }
-  for (Arr<int32_t>* a : {&chfirst, &chfirstrow, &upfirst}) {
+  for (Arr<int32_t>* a : {&ch.chfirst, &ch.chfirstrow, &ch.upfirst}) {
     a->grow(rows);
     a->clear(rows);
   }
+  Arr<int32_t>&chrow = ch.chrow, &chpos = ch.chpos, &chfirst = ch.chfirst,
+  &chfirstrow = ch.chfirstrow, &upfirst = ch.upfirst;
   std::vector<int32_t> last(rows, 0);
   for (int32_t r = 1; r <= n; ++r) {
     for (int32_t p = ia[r]; p < ia[r + 1]; ++p) {
@@ -236,23 +181,14 @@ void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, int32_t
   }
 }
 
-void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>& chfirst,
-              const Arr<int32_t>& upfirst, const Arr<int32_t>& chfirstrow,
-              const Arr<int32_t>& chrow, const Arr<int32_t>& chpos, const Arr<int32_t>& ia,
-              const Arr<int32_t>& ja, const Arr<double>& aa, const Arr<double>& ab,
-              const Arr<double>& ac, const Arr<double>& ad, Arr<int32_t>& il, Arr<int32_t>& jl,
-              Arr<int32_t>& lnrow, Arr<int32_t>& lnpos, Arr<double>& la, Arr<double>& lb,
-              Arr<double>& lc, Arr<double>& ld, Arr<int32_t>& iu, Arr<int32_t>& ju,
-              Arr<int32_t>& unrow, Arr<int32_t>& unpos, Arr<double>& ua, Arr<double>& ub,
-              Arr<double>& uc, Arr<double>& ud) {
-  const Matrix A = matrix_of(ia, ja, chfirst, chfirstrow, chrow, chpos, upfirst, aa, ab, ac, ad);
+void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  const int32_t n = A.n;
   const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  il.grow(rows);
-  iu.grow(rows);
-  Scratch& f = scratch();
-  f.room(static_cast<std::size_t>(std::max(capacity, 1)));
-  // The columns of the positions, as found.
-  std::vector<int32_t> col(f.val.size(), 0);
+  f.n = n;
+  f.laid_out = false;
+  f.iu.assign(rows + 1, 0);
+  // The factor holds at least the matrix's own entries; fill-in grows it.
+  f.room(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1);
 
   BlockWork& w = f.work;
   w.fit(n);
@@ -261,24 +197,23 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
   std::vector<int32_t> cols;
   std::vector<Link> above;
   int32_t q = 1;
-  il[1] = 1;
+  f.iu[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
     f.room(static_cast<std::size_t>(q));
-    il[i] = q;
+    f.iu[static_cast<std::size_t>(i)] = q;
     // Close column i's chain through its pivot position.
     const std::size_t ci = static_cast<std::size_t>(i);
-    f.link[static_cast<std::size_t>(q)] = {firstrow[ci], first[ci]};
-    if (lastpos[ci] != 0) f.link[static_cast<std::size_t>(lastpos[ci])] = {i, q};
+    f.chain[static_cast<std::size_t>(q)] = {firstrow[ci], first[ci]};
+    if (lastpos[ci] != 0) f.chain[static_cast<std::size_t>(lastpos[ci])] = {i, q};
 
     // The earlier rows with an entry in column i, along its chain.
     above.clear();
-    for (Link at = f.link[static_cast<std::size_t>(q)]; at.row != 0 && at.row != i;
-         at = f.link[static_cast<std::size_t>(at.pos)])
+    for (Link at = f.chain[static_cast<std::size_t>(q)]; at.row != 0 && at.row != i;
+         at = f.chain[static_cast<std::size_t>(at.pos)])
       above.push_back(at);
     w.begin();
     w.enter(0, i);
-    eliminate<true>(A, il.data(), col.data(), col.data(), f.val.data(), i, above.data(),
-                    above.size(), w);
+    eliminate<true>(A, v, f.iu.data(), f.ju.data(), f.val.data(), i, above.data(), above.size(), w);
 
     // The positions of row i: the union of both patterns (they agree on a
     // structurally symmetric matrix), ascending, without the pivot.
@@ -294,112 +229,82 @@ void nonsym74(int32_t n, int32_t /*nent*/, int32_t capacity, const Arr<int32_t>&
     std::sort(cols.begin(), cols.end());
     const int32_t count = static_cast<int32_t>(cols.size());
     f.room(static_cast<std::size_t>(q + count));
-    if (col.size() < f.val.size()) col.resize(f.val.size(), 0);
-    col[static_cast<std::size_t>(q)] = i;
+    f.ju[static_cast<std::size_t>(q)] = i;
     for (int32_t t = 0; t < count; ++t) {
       const int32_t s = q + 1 + t;
       const int32_t c = cols[static_cast<std::size_t>(t)];
       const std::size_t cc = static_cast<std::size_t>(c);
-      col[static_cast<std::size_t>(s)] = c;
+      f.ju[static_cast<std::size_t>(s)] = c;
       // Position s joins the end of column c's chain.
-      f.link[static_cast<std::size_t>(s)] = {0, 0};
+      f.chain[static_cast<std::size_t>(s)] = {0, 0};
       if (first[cc] == 0) {
         first[cc] = s;
         firstrow[cc] = i;
       }
-      if (lastpos[cc] != 0) f.link[static_cast<std::size_t>(lastpos[cc])] = {i, s};
+      if (lastpos[cc] != 0) f.chain[static_cast<std::size_t>(lastpos[cc])] = {i, s};
       lastpos[cc] = s;
     }
-    store(f.val.data(), col.data(), i, q, count, w);
+    store(f.val.data(), f.ju.data(), i, q, count, w);
     q += 1 + count;
-    il[i + 1] = q;
+    f.iu[static_cast<std::size_t>(i) + 1] = q;
   }
-  for (int32_t i = 1; i <= n + 1; ++i) iu[i] = il[i];
-
-  const int32_t used = q - 1;
-  for (Arr<int32_t>* a : {&jl, &ju, &lnrow, &lnpos, &unrow, &unpos})
-    a->grow(static_cast<std::size_t>(used));
-  for (int32_t s = 1; s <= used; ++s) {
-    const Link& k = f.link[static_cast<std::size_t>(s)];
-    jl[s] = ju[s] = col[static_cast<std::size_t>(s)];
-    lnrow[s] = unrow[s] = k.row;
-    lnpos[s] = unpos[s] = k.pos;
-  }
-  hand_out(f, used, la, lb, lc, ld, ua, ub, uc, ud);
 }
 
-void nonsym74o(int32_t n, int32_t /*nent*/, int32_t /*capacity*/, const Arr<int32_t>& chfirst,
-               const Arr<int32_t>& upfirst, const Arr<int32_t>& chfirstrow,
-               const Arr<int32_t>& chrow, const Arr<int32_t>& chpos, const Arr<int32_t>& ia,
-               const Arr<int32_t>& ja, const Arr<double>& aa, const Arr<double>& ab,
-               const Arr<double>& ac, const Arr<double>& ad, const Arr<int32_t>& il,
-               const Arr<int32_t>& jl, const Arr<int32_t>& /*lnrow*/, const Arr<int32_t>& /*lnpos*/,
-               Arr<double>& la, Arr<double>& lb, Arr<double>& lc, Arr<double>& ld,
-               const Arr<int32_t>& /*iu*/, const Arr<int32_t>& ju, const Arr<int32_t>& /*unrow*/,
-               const Arr<int32_t>& /*unpos*/, Arr<double>& ua, Arr<double>& ub, Arr<double>& uc,
-               Arr<double>& ud) {
-  const Matrix A = matrix_of(ia, ja, chfirst, chfirstrow, chrow, chpos, upfirst, aa, ab, ac, ad);
+void nonsym74o(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  const int32_t n = A.n;
   if (n < 1) return;
-  const int32_t used = il[n + 1] - 1;
-  Scratch& f = scratch();
-  f.room(static_cast<std::size_t>(used));
-  by_column(f, n, il.data(), ju.data(), used);
+  by_column(f);
+  const int32_t* iu = f.iu.data();
+  const int32_t* ju = f.ju.data();
   const std::vector<int32_t>& start = f.start;
   const std::vector<Link>& above = f.above;
 
   BlockWork& w = f.work;
   w.fit(n);
   for (int32_t i = 1; i <= n; ++i) {
-    const int32_t q = il[i];
-    const int32_t count = il[i + 1] - q - 1;
+    const int32_t q = iu[i];
+    const int32_t count = iu[i + 1] - q - 1;
     w.zero(0, i);
     for (int32_t s = q + 1; s <= q + count; ++s) {
-      w.zero(0, jl[s]);
+      w.zero(0, ju[s]);
       w.zero(1, ju[s]);
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);
-    eliminate<false>(A, il.data(), jl.data(), ju.data(), f.val.data(), i, above.data() + from,
-                     to - from, w);
-    store(f.val.data(), jl.data(), i, q, count, w);
+    eliminate<false>(A, v, iu, ju, f.val.data(), i, above.data() + from, to - from, w);
+    store(f.val.data(), ju, i, q, count, w);
   }
-  hand_out(f, used, la, lb, lc, ld, ua, ub, uc, ud);
 }
 
-void nonsym(int32_t n, int32_t nent, int32_t capacity, const Arr<int32_t>& ia,
-            const Arr<int32_t>& ja, const Arr<double>& aa, const Arr<double>& ab,
-            const Arr<double>& ac, const Arr<double>& ad, Arr<int32_t>& iu, Arr<int32_t>& ju,
-            Arr<int32_t>& unrow, Arr<int32_t>& unpos, Arr<double>& ua, Arr<double>& ub,
-            Arr<double>& uc, Arr<double>& ud, Arr<double>& la, Arr<double>& lb, Arr<double>& lc,
-            Arr<double>& ld) {
-  Arr<int32_t> chrow, chpos, chfirst, chfirstrow, upfirst;
-  adlink7l(ia, ja, n, nent, chrow, chpos, chfirst, chfirstrow, upfirst);
-  nonsym74(n, nent, capacity, chfirst, upfirst, chfirstrow, chrow, chpos, ia, ja, aa, ab, ac, ad,
-           iu, ju, unrow, unpos, la, lb, lc, ld, iu, ju, unrow, unpos, ua, ub, uc, ud);
+void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,
+            BlockStore& f) {
+  BlockChains ch;
+  adlink7l(ia, ja, n, ch);
+  nonsym74({n, ia.data(), ja.data(), &ch}, v, f);
 }
 
-void solvxn(int32_t n, int32_t /*nent*/, const Arr<int32_t>& iu, const Arr<int32_t>& ju,
-            const Arr<int32_t>& unrow, const Arr<int32_t>& unpos, const Arr<double>& ua,
-            const Arr<double>& uc, const Arr<double>& ub, const Arr<double>& ud,
-            const Arr<double>& la, const Arr<double>& lc, const Arr<double>& lb,
-            const Arr<double>& ld, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+void solvxn(const BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
             Arr<double>& x2) {
-  const int32_t *piu = iu.data(), *pju = ju.data(), *prow = unrow.data(), *ppos = unpos.data();
-  const double *pua = ua.data(), *pub = ub.data(), *puc = uc.data(), *pud = ud.data();
-  const double *pla = la.data(), *plb = lb.data(), *plc = lc.data(), *pld = ld.data();
+  const int32_t n = f.n;
+  const int32_t* piu = f.iu.data();
+  const int32_t* pju = f.ju.data();
+  const Link* chain = f.chain.data();
+  const BlockEntry* val = f.val.data();
   const double *pr1 = r1.data(), *pr2 = r2.data();
   double *px1 = x1.data(), *px2 = x2.data();
   for (int32_t i = 1; i <= n; ++i) {
     int32_t p = piu[i];
-    const double a = pla[p], b = plb[p], c = plc[p], d = pld[p];
+    const double* piv = val[p].v[0];
+    const double a = piv[0], b = piv[1], c = piv[2], d = piv[3];
     double det = d * a - b * c;
     if (std::fabs(det) < kTinyDet) det = det >= 0.0 ? kTinyDet : -kTinyDet;
     const double inv = 1.0 / det;
     double s1 = 0.0, s2 = 0.0;
-    for (int32_t k = prow[p]; k != 0 && k != i; k = prow[p]) {
-      p = ppos[p];
-      s1 += plb[p] * px2[k] + pla[p] * px1[k];
-      s2 += pld[p] * px2[k] + plc[p] * px1[k];
+    for (int32_t k = chain[p].row; k != 0 && k != i; k = chain[p].row) {
+      p = chain[p].pos;
+      const double* l = val[p].v[0];
+      s1 += l[1] * px2[k] + l[0] * px1[k];
+      s2 += l[3] * px2[k] + l[2] * px1[k];
     }
     const double e1 = pr1[i] - s1, e2 = pr2[i] - s2;
     px1[i] = e2 * (-b) * inv + e1 * inv * d;
@@ -409,8 +314,9 @@ void solvxn(int32_t n, int32_t /*nent*/, const Arr<int32_t>& iu, const Arr<int32
     double s1 = 0.0, s2 = 0.0;
     for (int32_t s = piu[i] + 1; s < piu[i + 1]; ++s) {
       const int32_t c = pju[s];
-      s1 += pub[s] * px2[c] + pua[s] * px1[c];
-      s2 += pud[s] * px2[c] + puc[s] * px1[c];
+      const double* u = val[s].v[1];
+      s1 += u[1] * px2[c] + u[0] * px1[c];
+      s2 += u[3] * px2[c] + u[2] * px1[c];
     }
     px1[i] -= s1;
     px2[i] -= s2;

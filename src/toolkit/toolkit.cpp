@@ -17,6 +17,9 @@ ToolkitBackend& toolkit_backend() {
 }
 
 void WInitialise(std::string_view arg) {
+  if (current == &default_screen) {
+    if (ToolkitBackend* real = real_window_backend()) current = real;
+  }
   current->initialise(arg);
 }
 int32_t WInfoScreen(int32_t what) {

@@ -1,6 +1,7 @@
 // The window toolkit: the operations behind the progress window, as free
-// functions that forward to the backend chosen at start.  Without a choice
-// the headless screen serves, so a machine without a display needs nothing.
+// functions that forward to the backend chosen at start.  WInitialise opens
+// the real window where there is one; otherwise, and without a choice, the
+// headless screen serves, so a machine without a display needs nothing.
 #pragma once
 
 #include <array>
@@ -60,6 +61,11 @@ class ToolkitBackend {
   virtual void window_close_child(int32_t id) = 0;
   virtual void window_close() = 0;
 };
+
+// The on-screen window when the build has a window library and a display
+// can be opened, else nullptr.  WInitialise takes it in place of the
+// built-in headless screen.
+ToolkitBackend* real_window_backend();
 
 // Chooses the backend; nullptr goes back to the built-in headless screen.
 void set_toolkit_backend(ToolkitBackend* backend);

@@ -108,7 +108,7 @@ class Mp2lf : public CaseFiles {
     rdlf(name(), lib());
   }
   bool any_output() const {
-    for (const char* ext : {".L0", ".L1", ".L2", ".L3", ".L5", ".L6"})
+    for (const char* ext : {".L0", ".L1", ".L2", ".L3", ".L5", ".L6", ".MAP"})
       if (std::filesystem::exists(dir_ / (std::string("CASE") + ext))) return true;
     return false;
   }
@@ -158,10 +158,13 @@ TEST_F(Mp2lf, FollowsTheConversionRules) {
       run((dir_ / "odd.m") + " " + stem() + " --qlim --method 0 --tolerance 1e-6 --iterations 20",
           &summary),
       0);
-  EXPECT_EQ(summary, "mp2lf: wrote " + stem() +
-                         ".L0-.L6: 3 buses, 2 lines, 5 shunt rows, 2 transformers, 3 generators, "
-                         "2 loads; left out 1 isolated buses, 2 branches and 2 generators out of "
-                         "service or isolated\n");
+  EXPECT_EQ(summary,
+            "mp2lf: wrote " + stem() +
+                ".L0-.L6 and .MAP: 3 buses, 2 lines, 5 shunt rows, 2 transformers, 3 generators, "
+                "2 loads; left out 1 isolated buses, 2 branches and 2 generators out of "
+                "service or isolated\n");
+  // The map gives each bus's MATPOWER number back.
+  EXPECT_EQ(test::read_file(stem() + ".MAP"), "1 10\n2 20\n3 40\n");
   rdlf(name(), lib());
   EXPECT_THAT(printed, IsEmpty());
   EXPECT_EQ(LFINF.base_mva, 50.0);

@@ -12,6 +12,7 @@
 
 #include "common/golden.hpp"
 #include "methods/net.hpp"
+#include "methods/pqdecp.hpp"
 #include "sparse/ordering.hpp"
 #include "sparse/ymatrix.hpp"
 #include "store/vpq.hpp"
@@ -260,6 +261,45 @@ TEST_F(NewtonTest, LargeJoinedCaseSolvesWithEveryMethod) {
     for (int b = 1; b <= LFINF.nbus; ++b)
       worst = std::max(worst, std::fabs(VPQ.V[NEW[b]] - solution.v[(b - 1) % 4 + 1]));
     EXPECT_LT(worst, 1e-8);
+  }
+}
+
+// A value that is not finite ends every method as a divergence, with one line
+// that names the bus, and the buses keep the last state whose mismatches were
+// finite: a load that is not a number, from the flat start, and in the power
+// forms of Newton's method a load so large that the corrections overflow.
+TEST_F(NewtonTest, NonFiniteValuesEndEveryMethodAsDivergence) {
+  struct Method {
+    void (*run)(int32_t&);
+    const char* name;
+    bool overflows;
+  };
+  const Method methods[] = {{pqdecp, "decoupled", false}, {newton, "newton", true},
+                            {optimu, "optimum", true},    {inewton, "current", false},
+                            {newtonp, "newtonp", true},   {nlfast, "nonlinear", true}};
+  const auto said = [](const std::string& l) { return l.rfind("Divergence: non-finite ", 0) == 0; };
+  for (const Method& m : methods) {
+    for (const double p : {std::nan(""), 1e300}) {
+      if (!std::isnan(p) && !m.overflows) continue;
+      SCOPED_TRACE(std::string(m.name) + (std::isnan(p) ? " with NaN" : " with 1e300"));
+      load_case(1e-9, 200);
+      L6.P[2] = p;
+      lines.clear();
+      int32_t status = -1;
+      m.run(status);
+      EXPECT_EQ(status, 0);
+      const auto line = std::find_if(lines.begin(), lines.end(), said);
+      EXPECT_EQ(std::count_if(lines.begin(), lines.end(), said), 1);
+      if (std::isnan(p) && line != lines.end()) {
+        EXPECT_EQ(*line, "Divergence: non-finite mismatch at bus LOAD4");
+      }
+      for (int i = 1; i <= 4; ++i) {
+        EXPECT_TRUE(std::isfinite(VPQ.V[i]) && std::isfinite(VPQ.TH[i])) << "bus " << i;
+        if (!std::isnan(p)) {
+          EXPECT_TRUE(std::isfinite(VPQ.PG[i]) && std::isfinite(VPQ.QG[i])) << "bus " << i;
+        }
+      }
+    }
   }
 }
 

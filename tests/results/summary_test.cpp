@@ -75,6 +75,23 @@ TEST(Summary, NumbersAgreeWithTheReportFiles) {
   }
 }
 
+// Bus numbers of the source case, from the map that mp2lf writes, stand in
+// the summary and in the tables' source columns.
+TEST(Summary, SourceBusNumbersFromTheMap) {
+  const std::string stem = copy_example("ieee14", "IEEE14");
+  std::ofstream map(stem + ".MAP");
+  for (int k = 1; k <= 14; ++k) map << k << ' ' << 1000 + k << '\n';
+  map.close();
+  int status = -1;
+  const std::string out = output_of(kBin + "/lfrun " + stem, status);
+  EXPECT_NE(out.find("Lowest voltage    1.0100 pu at bus 1003 'Bus 3     HV'"), std::string::npos)
+      << out;
+  EXPECT_NE(out.find("  line 1001-1002 No 1 "), std::string::npos);
+  output_of(kBin + "/lfreport " + stem + " --csv csv14", status);
+  EXPECT_NE(file_text("csv14/buses.csv").find("\n3,1003,\"Bus 3     HV\","), std::string::npos);
+  EXPECT_NE(file_text("csv14/branches.csv").find("\n1,2,1,1001,1002,"), std::string::npos);
+}
+
 TEST(Summary, QuietLeavesItOut) {
   const std::string stem = copy_example("ieee14", "IEEE14");
   int status = -1;

@@ -51,30 +51,21 @@ BlockMatrix block_matrix(const std::vector<std::set<int>>& adj, int slack, std::
   return m;
 }
 
-struct Chains {
-  Arr<int32_t> chrow, chpos, chfirst, chfirstrow, upfirst;
-};
-
-struct Factors {
-  Arr<int32_t> il, jl, lnrow, lnpos, iu, ju, unrow, unpos;
-  Arr<double> la, lb, lc, ld, ua, ub, uc, ud;
-};
-
-void first_factors(const BlockMatrix& m, Chains& ch, Factors& f, int32_t capacity) {
-  adlink7l(m.ia, m.ja, m.n, m.nent, ch.chrow, ch.chpos, ch.chfirst, ch.chfirstrow, ch.upfirst);
-  nonsym74(m.n, m.nent, capacity, ch.chfirst, ch.upfirst, ch.chfirstrow, ch.chrow, ch.chpos, m.ia,
-           m.ja, m.aa, m.ab, m.ac, m.ad, f.il, f.jl, f.lnrow, f.lnpos, f.la, f.lb, f.lc, f.ld, f.iu,
-           f.ju, f.unrow, f.unpos, f.ua, f.ub, f.uc, f.ud);
+BlockValues values(const BlockMatrix& m) {
+  return {m.aa.data(), m.ab.data(), m.ac.data(), m.ad.data()};
 }
 
-void again(const BlockMatrix& m, const Chains& ch, Factors& f) {
-  nonsym74o(m.n, m.nent, 0, ch.chfirst, ch.upfirst, ch.chfirstrow, ch.chrow, ch.chpos, m.ia, m.ja,
-            m.aa, m.ab, m.ac, m.ad, f.il, f.jl, f.lnrow, f.lnpos, f.la, f.lb, f.lc, f.ld, f.iu,
-            f.ju, f.unrow, f.unpos, f.ua, f.ub, f.uc, f.ud);
+void first_factors(const BlockMatrix& m, BlockChains& ch, BlockStore& f) {
+  adlink7l(m.ia, m.ja, m.n, ch);
+  nonsym74({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f);
+}
+
+void again(const BlockMatrix& m, const BlockChains& ch, BlockStore& f) {
+  nonsym74o({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f);
 }
 
 // Solves with the factors and checks against the dense solution.
-void expect_solves(const BlockMatrix& m, Factors& f, std::mt19937& rng, int slack) {
+void expect_solves(const BlockMatrix& m, const BlockStore& f, std::mt19937& rng, int slack) {
   const int n = m.n;
   std::vector<std::vector<double>> dense(2 * n, std::vector<double>(2 * n, 0.0));
   for (int32_t i = 1; i <= n; ++i)
@@ -90,8 +81,7 @@ void expect_solves(const BlockMatrix& m, Factors& f, std::mt19937& rng, int slac
     r1[i] = rhs[2 * i - 2] = u(rng);
     r2[i] = rhs[2 * i - 1] = u(rng);
   }
-  solvxn(m.n, m.nent, f.iu, f.ju, f.unrow, f.unpos, f.ua, f.uc, f.ub, f.ud, f.la, f.lc, f.lb, f.ld,
-         r1, r2, x1, x2);
+  solvxn(f, r1, r2, x1, x2);
   std::vector<double> want = test::dense_solve(dense, rhs);
   for (int32_t i = 1; i <= m.n; ++i) {
     ASSERT_NEAR(x1[i], want[2 * i - 2], 1e-9) << "bus " << i;
@@ -108,19 +98,18 @@ TEST(BlockFactors, RandomSystemsMatchDenseSolveAndRefactorisation) {
     auto adj = test::random_network(n, n / 2 + 1, rng);
     const int slack = 1 + trial % n;
     BlockMatrix m = block_matrix(adj, slack, rng);
-    Chains ch;
-    Factors f;
-    first_factors(m, ch, f, trial % 2 == 0 ? 1 : 5 * m.nent);
+    BlockChains ch;
+    BlockStore f;
+    first_factors(m, ch, f);
     expect_solves(m, f, rng, slack);
 
     // The same values again on the pattern found: the same factors, bit for bit.
-    Factors g = f;
+    BlockStore g = f;
     again(m, ch, g);
-    const int32_t used = f.il[m.n + 1] - 1;
-    const Arr<double> Factors::*parts[] = {&Factors::la, &Factors::lb, &Factors::lc, &Factors::ld,
-                                           &Factors::ua, &Factors::ub, &Factors::uc, &Factors::ud};
-    for (auto part : parts)
-      for (int32_t s = 1; s <= used; ++s) ASSERT_EQ((g.*part)[s], (f.*part)[s]);
+    const int32_t used = f.iu[static_cast<std::size_t>(m.n) + 1] - 1;
+    for (int32_t p = 1; p <= used; ++p)
+      for (int side = 0; side < 2; ++side)
+        for (int k = 0; k < 4; ++k) ASSERT_EQ(g.val[p].v[side][k], f.val[p].v[side][k]);
     // New values on the same pattern.
     std::uniform_real_distribution<double> u(0.5, 1.5);
     for (int32_t i = 1; i <= m.n; ++i) {
@@ -134,9 +123,8 @@ TEST(BlockFactors, RandomSystemsMatchDenseSolveAndRefactorisation) {
     expect_solves(m, f, rng, slack);
 
     // The one-call form gives the factors that solvxn takes.
-    Factors h;
-    nonsym(m.n, m.nent, m.nent, m.ia, m.ja, m.aa, m.ab, m.ac, m.ad, h.iu, h.ju, h.unrow, h.unpos,
-           h.ua, h.ub, h.uc, h.ud, h.la, h.lb, h.lc, h.ld);
+    BlockStore h;
+    nonsym(m.ia, m.ja, m.n, values(m), h);
     expect_solves(m, h, rng, slack);
   }
 }
@@ -150,20 +138,19 @@ TEST(BlockFactors, SingularPivotBlockTakesTheSmallestDeterminant) {
   const double v[4][4] = {{1, 2, 2, 4}, {1, 0, 0, 1}, {0, 0, 0, 0}, {3, 0, 0, 3}};
   for (int32_t p = 1; p <= 4; ++p)
     m.aa[p] = v[p - 1][0], m.ab[p] = v[p - 1][1], m.ac[p] = v[p - 1][2], m.ad[p] = v[p - 1][3];
-  Chains ch;
-  Factors f;
-  first_factors(m, ch, f, 10);
+  BlockChains ch;
+  BlockStore f;
+  first_factors(m, ch, f);
   // U of row 1 = inverse of the pivot, with determinant 1e-20, times the identity.
-  const int32_t s = f.iu[1] + 1;
-  EXPECT_DOUBLE_EQ(f.ua[s], 4 / 1e-20);
-  EXPECT_DOUBLE_EQ(f.ub[s], -2 / 1e-20);
-  EXPECT_DOUBLE_EQ(f.uc[s], -2 / 1e-20);
-  EXPECT_DOUBLE_EQ(f.ud[s], 1 / 1e-20);
+  const double* u = f.val[static_cast<std::size_t>(f.iu[1]) + 1].v[1];
+  EXPECT_DOUBLE_EQ(u[0], 4 / 1e-20);
+  EXPECT_DOUBLE_EQ(u[1], -2 / 1e-20);
+  EXPECT_DOUBLE_EQ(u[2], -2 / 1e-20);
+  EXPECT_DOUBLE_EQ(u[3], 1 / 1e-20);
   // The solution replaces the determinant in the same way.
   Arr<double> r1(2), r2(2), x1(2), x2(2);
   r1[1] = 1.0, r2[1] = 0.0, r1[2] = 0.0, r2[2] = 0.0;
-  solvxn(m.n, m.nent, f.iu, f.ju, f.unrow, f.unpos, f.ua, f.uc, f.ub, f.ud, f.la, f.lc, f.lb, f.ld,
-         r1, r2, x1, x2);
+  solvxn(f, r1, r2, x1, x2);
   EXPECT_DOUBLE_EQ(x2[2], 0.0);
   EXPECT_DOUBLE_EQ(x1[1], 4.0 * (1 / 1e-20));
   EXPECT_DOUBLE_EQ(x2[1], -2.0 * (1 / 1e-20));

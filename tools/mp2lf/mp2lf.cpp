@@ -7,6 +7,8 @@
 // a bus are left out; the other buses are numbered 1..n in file order.
 // Numbers are written in full (the shortest text that reads back to the
 // same double), so that the engine works on exactly MATPOWER's data.
+// OUT_STEM.MAP keeps, one line per bus, its number in the case files and
+// its number in the MATPOWER case, which the report tool shows.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -40,7 +42,8 @@ struct Options {
 const char* kUsage =
     "usage: mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] "
     "[--qlim]\n"
-    "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case\n"
+    "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case, and OUT_STEM.MAP:\n"
+    "  per bus its number in the case files and its MATPOWER number\n"
     "  --method N      iteration method written to .L0 (default 1)\n"
     "  --tolerance X   convergence tolerance, per unit (default 1e-8)\n"
     "  --iterations N  iteration limit (default 50)\n"
@@ -118,6 +121,7 @@ std::string quoted(std::string name) {
 
 struct Output {
   std::ostringstream l0, l1, l2, l3, l5, l6;
+  std::ostringstream map;  // .MAP: per bus, the engine's number and the MATPOWER number
   int nbus = 0, nline = 0, nshunt = 0, ntrans = 0, ngen = 0, nload = 0;
   int dropped_buses = 0, dropped_branches = 0, dropped_gens = 0;
 };
@@ -162,6 +166,7 @@ Output convert(const MpCase& c, const Options& o) {
     }
     const int n = ++out.nbus;
     num[b[BUS_I]] = n;
+    out.map << n << ' ' << static_cast<long long>(b[BUS_I]) << '\n';
     type.push_back(static_cast<int>(b[BUS_TYPE]));
     std::string name =
         c.bus_name.empty() ? std::to_string(static_cast<long long>(b[BUS_I])) : c.bus_name[k];
@@ -261,11 +266,11 @@ Output convert(const MpCase& c, const Options& o) {
   return out;
 }
 
-// Writes all six files or, when one cannot be written, none.
+// Writes all seven files or, when one cannot be written, none.
 bool write_all(const std::string& stem, const Output& out) {
   const std::pair<const char*, const std::ostringstream*> files[] = {
-      {".L0", &out.l0}, {".L1", &out.l1}, {".L2", &out.l2},
-      {".L3", &out.l3}, {".L5", &out.l5}, {".L6", &out.l6}};
+      {".L0", &out.l0}, {".L1", &out.l1}, {".L2", &out.l2},  {".L3", &out.l3},
+      {".L5", &out.l5}, {".L6", &out.l6}, {".MAP", &out.map}};
   std::vector<std::string> written;
   for (const auto& [ext, text] : files) {
     const std::string path = stem + ext;
@@ -311,7 +316,8 @@ int main(int argc, char** argv) {
   }
   if (!write_all(o.stem, out)) return 1;
   std::printf(
-      "mp2lf: wrote %s.L0-.L6: %d buses, %d lines, %d shunt rows, %d transformers, %d generators, "
+      "mp2lf: wrote %s.L0-.L6 and .MAP: %d buses, %d lines, %d shunt rows, %d transformers, %d "
+      "generators, "
       "%d loads; left out %d isolated buses, %d branches and %d generators out of service or "
       "isolated\n",
       o.stem.c_str(), out.nbus, out.nline, out.nshunt, out.ntrans, out.ngen, out.nload,

@@ -4,5 +4,5 @@
 # support folder and nothing else of the engine.
 file(GLOB lfresults_sources CONFIGURE_DEPENDS ${dir}/*.cpp)
 add_library(lfresults STATIC ${lfresults_sources} $<TARGET_OBJECTS:lf_support>)
-target_include_directories(lfresults PUBLIC ${dir} PRIVATE ${CMAKE_SOURCE_DIR}/src)
+target_include_directories(lfresults PUBLIC ${dir} PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(lfresults PUBLIC lfcli)

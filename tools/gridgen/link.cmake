@@ -1,0 +1,1 @@
+# gridgen works on the case files as text and needs nothing of the engine.
