@@ -284,13 +284,13 @@ TEST_F(NewtonTest, NonFiniteValuesEndEveryMethodAsDivergence) {
       SCOPED_TRACE(std::string(m.name) + (std::isnan(p) ? " with NaN" : " with 1e300"));
       load_case(1e-9, 200);
       L6.P[2] = p;
-      lines.clear();
+      printed.clear();
       int32_t status = -1;
       m.run(status);
       EXPECT_EQ(status, 0);
-      const auto line = std::find_if(lines.begin(), lines.end(), said);
-      EXPECT_EQ(std::count_if(lines.begin(), lines.end(), said), 1);
-      if (std::isnan(p) && line != lines.end()) {
+      const auto line = std::find_if(printed.begin(), printed.end(), said);
+      EXPECT_EQ(std::count_if(printed.begin(), printed.end(), said), 1);
+      if (std::isnan(p) && line != printed.end()) {
         EXPECT_EQ(*line, "Divergence: non-finite mismatch at bus LOAD4");
       }
       for (int i = 1; i <= 4; ++i) {
