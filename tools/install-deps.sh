@@ -9,8 +9,9 @@ tests=0
 if [ "${1:-}" = "--tests" ]; then
   tests=1
   # xvfb, xauth and xdotool: the window's tests on a virtual X server;
-  # chromium (and npm for its driver): the test of lfreport's page.
-  pkgs+=(xvfb xauth xdotool chromium)
+  # chromium (and npm for its driver): the test of lfreport's page;
+  # sqlite3: the bad-input table damages databases with it.
+  pkgs+=(xvfb xauth xdotool chromium sqlite3)
   command -v npm >/dev/null || pkgs+=(npm)
 fi
 missing=()

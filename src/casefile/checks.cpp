@@ -1,5 +1,6 @@
 #include "casefile/checks.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <unordered_set>
 
@@ -62,6 +63,13 @@ void fold_mode_ctrl(int32_t& mode_ctrl) {
     mode_ctrl = -1;
   else if (mode_ctrl == -5 || mode_ctrl == -7 || mode_ctrl == -8)
     mode_ctrl = 1;
+}
+
+void clamp_counts() {
+  for (int32_t* count :
+       {&LFINF.nbus, &LFINF.nacline, &LFINF.ntrans, &LFINF.ndcline, &LFINF.ngenerat, &LFINF.nload,
+        &LFINF.narea, &LF93.nswitch, &LF93.ctrl_fact})
+    *count = std::max(*count, 0);
 }
 
 void set_loadshare() {

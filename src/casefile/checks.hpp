@@ -19,6 +19,10 @@ void repair_bus_limits(int32_t i);
 // plain ones: -4 and -6 become -1 (P and V given); -5, -7, -8 become 1.
 void fold_mode_ctrl(int32_t& mode_ctrl);
 
+// A negative element count of the case header reads as none, so that no
+// stage takes a count whose file or table was never read for rows.
+void clamp_counts();
+
 // Sets loadshare of LF93 to 1 when two of the nload loads stand on one bus,
 // else to 0.
 void set_loadshare();

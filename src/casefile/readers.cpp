@@ -309,6 +309,7 @@ void rpalib(const std::string& path) {
 void rdlf(const CaseName& casename, const CaseName& datalibname) {
   const std::string path = casename.trimmed();
   rl0(path);
+  clamp_counts();
   if (LFINF.nbus > 0) rl1(path);
   if (LFINF.nacline + LFINF.ntrans > 0) rl23(path);
   if (LFINF.ndcline > 0) nrl4(path);

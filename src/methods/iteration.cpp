@@ -1,5 +1,6 @@
 #include "methods/iteration.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "sparse/ymatrix.hpp"
@@ -221,16 +222,30 @@ void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed)
   }
 }
 
-BusName bus_label(int32_t bus, int32_t last) {
-  BusName out;
-  if (bus == 0) return out;
-  for (int32_t s = 1; s <= last; ++s) {
-    if (internal_bus(s) != bus) continue;
-    const int32_t c = static_cast<std::size_t>(s) <= NNTOON.map.size() ? NNTOON[s] : 0;
-    if (c >= 1 && static_cast<std::size_t>(c) <= L1.busname.size()) addspace(L1.busname[c], out);
-    break;
+double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& at) {
+  double m = 0;
+  for (int32_t i = 1; i <= n; ++i) {
+    const double x = std::max(std::fabs(a[i]), std::fabs(b[i]));
+    if (x > m) {
+      m = x;
+      at = i;
+    }
   }
+  return m;
+}
+
+BusName reduced_label(int32_t s) {
+  BusName out;
+  const int32_t c = s >= 1 && static_cast<std::size_t>(s) <= NNTOON.map.size() ? NNTOON[s] : 0;
+  if (c >= 1 && static_cast<std::size_t>(c) <= L1.busname.size()) addspace(L1.busname[c], out);
   return out;
+}
+
+BusName bus_label(int32_t bus, int32_t last) {
+  if (bus != 0)
+    for (int32_t s = 1; s <= last; ++s)
+      if (internal_bus(s) == bus) return reduced_label(s);
+  return BusName();
 }
 
 std::string table_count(int32_t t) {

@@ -376,6 +376,7 @@ void rdrtloadpar() {
 void rdrtlf() {
   if (RTDBLSCMN.rtdbmode == 0) return;
   rdrtlfctrl();
+  clamp_counts();
   if (LFINF.nbus > 0) rdrtbus();
   if (LFINF.nacline + LFINF.ntrans > 0) rdrtactrs();
   if (LFINF.ndcline > 0) rdrtdc();

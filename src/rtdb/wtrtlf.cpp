@@ -282,20 +282,10 @@ void wtrtgen() {
   walk_kept(p, u, [&](int32_t g) {
     int32_t n = node(u.ibs);
     if (n == 0) return;
-    // A unit takes its share of the node's generation when the merged unit
-    // regulates; with a fixed merged unit it keeps the value it was given.
-    double pg = VPQ.PG[n], qg = VPQ.QG[n];
-    double s = static_cast<std::size_t>(g) <= L5OLD.share.size() ? L5OLD.share[g] : 1.0;
-    if (s >= 1.0) {
-      u.w = pg;
-      u.r = qg;
-    } else if (L5.mode_ctrl[L5OLD.map[g]] < 1) {
-      u.w = s * pg;
-      u.r = s * qg;
-    } else {
-      u.w = L5OLD.P[g];
-      u.r = L5OLD.Q[g];
-    }
+    double pg, qg;
+    unit_output(g, VPQ.PG[n], VPQ.QG[n], pg, qg);
+    u.w = pg;
+    u.r = qg;
     cli_update(p.stmt);
   });
   close_pass(p, true);

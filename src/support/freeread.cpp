@@ -17,6 +17,8 @@ bool FreeReader::open(const std::string& path) {
   for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data_.append(chunk, n);
   std::fclose(f);
   open_ = true;
+  // A UTF-8 byte-order mark in front of the first line is no part of it.
+  if (data_.compare(0, 3, "\xEF\xBB\xBF") == 0) pos_ = 3;
   return true;
 }
 
@@ -148,6 +150,8 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
 bool FreeReader::read(std::span<const ReadItem> items) {
   std::string_view buf;
   std::size_t pos = 0;
+  item_ = 0;
+  bad_text_.clear();
   if (!next_line(buf)) return false;
 
   // Moves to the next non-blank character, taking further lines as needed.
@@ -165,6 +169,7 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   bool quoted = false, null = false;
   long repeat = 0;  // values still to hand out from the last r*value
   for (const ReadItem& it : items) {
+    ++item_;
     if (repeat == 0) {
       if (!skip_blanks()) return false;
       char c = buf[pos];
@@ -177,7 +182,10 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       while (k < buf.size() && is_digit(buf[k])) ++k;
       if (k > pos && k < buf.size() && buf[k] == '*') {
         const auto count = std::from_chars(buf.data() + pos, buf.data() + k, repeat);
-        if (count.ec != std::errc() || repeat < 1) return false;
+        if (count.ec != std::errc() || repeat < 1) {
+          bad_text_.assign(buf.substr(pos, k + 1 - pos));
+          return false;
+        }
         pos = k + 1;
         if (pos >= buf.size() || ends_value(buf[pos])) null = true;
       } else if (c == ',') {
@@ -220,7 +228,10 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       }
     }
     --repeat;
-    if (!null && !store(it, value, quoted)) return false;
+    if (!null && !store(it, value, quoted)) {
+      bad_text_.assign(value);
+      return false;
+    }
   }
   return true;
 }

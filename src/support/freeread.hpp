@@ -43,7 +43,8 @@ class FreeReader {
   FreeReader(const FreeReader&) = delete;
   FreeReader& operator=(const FreeReader&) = delete;
 
-  // Takes in the whole file at once; false when it cannot be opened.
+  // Takes in the whole file at once, without a UTF-8 byte-order mark at its
+  // start; false when it cannot be opened.
   bool open(const std::string& path);
   bool is_open() const { return open_; }
   void close();
@@ -64,6 +65,11 @@ class FreeReader {
   // True once a read has run into the end of the file (as opposed to a
   // value that does not suit its item).
   bool at_end() const { return eof_; }
+  // After a read that failed: the item it was at, from 1 (0 when no line
+  // was left), and the text that did not suit that item (empty when the file
+  // ended).  Only the case checker looks at these.
+  std::size_t failed_item() const { return item_; }
+  const std::string& failed_text() const { return bad_text_; }
 
  private:
   bool next_line(std::string_view& out);
@@ -72,6 +78,8 @@ class FreeReader {
   bool open_ = false;
   long lineno_ = 0;
   bool eof_ = false;
+  std::size_t item_ = 0;  // item of the last read, from 1
+  std::string bad_text_;  // the value at which the last read failed
 };
 
 }  // namespace lf

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "results/hosts.hpp"
 
 namespace lf::test {
@@ -27,6 +29,37 @@ TEST(CsvTables, MatchTheGoldenFiles) {
       EXPECT_EQ(read_file(dir + "/" + name), read_file(golden + "/" + name)) << name;
     }
   }
+}
+
+}  // namespace
+}  // namespace lf::test
+
+namespace lf::test {
+namespace {
+
+// A bus number too wide for the bus report's field (above 9999) prints as
+// asterisks; the tables take it as the next bus after the last that has a
+// branch, and give every number in full.
+TEST(CsvTables, BusNumbersLostToAsterisksComeBack) {
+  std::filesystem::create_directory("wide");
+  std::ofstream("wide/W.L0") << "3 1 0 0 0 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n";
+  std::ofstream("wide/W.L1") << "'A' 110 1 0 0\n'LONE' 110 1 0 0\n'C' 110 1 0 0\n";
+  std::ofstream("wide/W.L2") << "1 1 3 7 0.01 0.1 0 0 0 0 0 0 0\n";
+  std::ofstream("wide/W.LP1") << "  0,'LF Result File Created on 20260101 at 00:00:00',\n"
+                              << "   1,   1.0000000000,   0.0000000000,\n"
+                              << "****,   0.9876543210,  -1.2345678901,\n";
+  std::ofstream("wide/W.LP2") << "     1,     3,     7,  12.34567, -0.12345,  12.34567,  0.00000,"
+                                 "   0.00000,   0.00000,\n";
+  int status = -1;
+  output_of(kBin + "/lfreport wide/W --csv wide/csv", status);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(file_text("wide/csv/buses.csv"),
+            "bus,source_bus,name,area,base_kv,v_pu,angle_deg,vmin_pu,vmax_pu\n"
+            "1,,\"A\",1,110,1,0,0.9,1.1\n"
+            "2,,\"LONE\",1,110,,,0.9,1.1\n"
+            "3,,\"C\",1,110,0.987654321,-1.2345678901,0.9,1.1\n");
+  EXPECT_NE(file_text("wide/csv/branches.csv").find("\n1,3,7,,,\"A\",\"C\",12.34567,-0.12345,"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -1,3 +1,3 @@
-# These tests run lfrun and lfreport on copies of the bundled examples.
-add_dependencies(test_${name} lfrun lfreport)
+# These tests run the host programs on copies of the bundled examples.
+add_dependencies(test_${name} lfrun lfreport lfdb mp2lf)
 target_compile_definitions(test_${name} PRIVATE LF_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")

@@ -92,6 +92,45 @@ TEST(Summary, SourceBusNumbersFromTheMap) {
   EXPECT_NE(read_file("csv14/branches.csv").find("\n1,2,1,1001,1002,"), std::string::npos);
 }
 
+// A generator that the reactive limits stopped stands in the summary with
+// the output that its report line holds.
+TEST(Summary, NamesTheGeneratorsHeldAtAReactiveLimit) {
+  std::filesystem::create_directory("qlim");
+  int status = -1;
+  output_of(kBin + "/mp2lf " + LF_TEST_DATA_DIR + "/matpower/case118.m qlim/Q --qlim", status);
+  ASSERT_EQ(status, 0);
+  const std::string out = output_of(kBin + "/lfrun qlim/Q", status);
+  const std::size_t at = out.find("  Generators held at a reactive limit:\n");
+  ASSERT_NE(at, std::string::npos) << out;
+  EXPECT_NE(out.find("\n    bus 103 'Claytor   V2': Q 40.00 Mvar at its upper limit\n", at),
+            std::string::npos)
+      << out.substr(at);
+  bool found = false;
+  for (const auto& g : report_numbers("qlim/Q.LP5"))
+    if (g[0] == 103) found = g[2] == 0.4;
+  EXPECT_TRUE(found) << "the report holds the upper limit, 0.4 per unit";
+}
+
+// The nonlinear method prints its table outside the engine's channels; the
+// summary still counts its iterations and names it.
+TEST(Summary, CountsTheNonlinearMethodsTable) {
+  const std::string stem = copy_example("ieee14", "IEEE14");
+  int status = -1;
+  const std::string out = output_of(kBin + "/lfrun --nonlinear " + stem, status);
+  std::smatch row;
+  std::string rest = out;
+  std::string last;
+  while (std::regex_search(rest, row, std::regex("\n {6}( *[0-9]+) {16}"))) {
+    last = row[1];
+    rest = row.suffix();
+  }
+  ASSERT_FALSE(last.empty()) << out;
+  EXPECT_NE(
+      out.find("Converged in " + std::to_string(std::stoi(last)) + " iterations, nonlinear method"),
+      std::string::npos)
+      << out;
+}
+
 TEST(Summary, QuietLeavesItOut) {
   const std::string stem = copy_example("ieee14", "IEEE14");
   int status = -1;

@@ -1,5 +1,7 @@
 #include "calclog.hpp"
 
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -11,23 +13,54 @@ namespace {
 
 std::ofstream run_log;
 std::chrono::steady_clock::time_point started;
+std::FILE* captured = nullptr;  // where standard output goes during a capture
+int saved_stdout = -1;          // standard output itself meanwhile
+
+void start_capture() {
+  std::fflush(stdout);
+  captured = std::tmpfile();
+  saved_stdout = captured ? dup(STDOUT_FILENO) : -1;
+  if (saved_stdout < 0 || dup2(fileno(captured), STDOUT_FILENO) < 0) {
+    if (captured) std::fclose(captured);
+    captured = nullptr;
+  }
+}
+
+// Puts standard output back and passes on what was printed meanwhile, to
+// standard output and to the run log.
+void end_capture() {
+  if (!captured) return;
+  std::fflush(stdout);
+  dup2(saved_stdout, STDOUT_FILENO);
+  close(saved_stdout);
+  std::rewind(captured);
+  char buf[4096];
+  while (std::fgets(buf, sizeof buf, captured)) {
+    std::fputs(buf, stdout);
+    run_log << buf;
+  }
+  std::fclose(captured);
+  captured = nullptr;
+}
 
 }  // namespace
 
-void start_calculation(const std::string& case_name) {
+void start_calculation(const std::string& case_name, bool nonlinear) {
   run_log.close();
   run_log.open(case_name + ".LOG", std::ios::trunc);
+  if (nonlinear) start_capture();
   started = std::chrono::steady_clock::now();
 }
 
 void keep_line(const char* line) {
-  if (run_log.is_open()) run_log << line << '\n';
+  if (run_log.is_open() && !captured) run_log << line << '\n';
 }
 
 void finish_calculation(const std::string& case_name, const std::string& db, bool converged,
                         bool print_summary) {
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+  end_capture();
   lfres::CaseResults results;
   if (db.empty()) {
     lfres::read_file_results(case_name, results);

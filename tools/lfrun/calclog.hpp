@@ -6,7 +6,10 @@
 #include <string>
 
 // Starts a calculation: the run log is made anew and the clock started.
-void start_calculation(const std::string& case_name);
+// With nonlinear set, the engine prints that method's table straight to
+// standard output: everything printed goes through a temporary file then,
+// and reaches standard output and the run log when the calculation ends.
+void start_calculation(const std::string& case_name, bool nonlinear);
 // Takes one line of the engine into the run log.
 void keep_line(const char* line);
 // Ends a calculation: notes its time in the run log and, when asked,

@@ -8,23 +8,31 @@
 namespace lfres {
 namespace {
 
+// Where a table's rows hold their fields.
+enum class Layout {
+  Newton,     // count from column 4, bus name from 8, value from 29
+  Decoupled,  // the same, then a second name from 42 and value from 63
+  Nonlinear,  // count from column 6, bus number from 16, value from 31
+};
+
 struct Heading {
   const char* text;  // the table's title line without its leading blanks
   const char* name;  // the method as a user knows it
-  bool two_values;   // rows hold a P and a Q mismatch
+  Layout layout;
 };
 
 // By method number 0 to 4, then the nonlinear method.
 
 constexpr Heading kHeadings[] = {
-    {"P Q Decoupled Iterative Process", "P-Q decoupled (method 0)", true},
+    {"P Q Decoupled Iterative Process", "P-Q decoupled (method 0)", Layout::Decoupled},
     {"Newton Method (Power Equation) Iterative Process", "Newton, correction test (method 1)",
-     false},
-    {"Optimum Factor Iterative Process", "Newton with optimum factor (method 2)", false},
+     Layout::Newton},
+    {"Optimum Factor Iterative Process", "Newton with optimum factor (method 2)", Layout::Newton},
     {"Newton Method (Current Equation) Iterated Process", "Newton, current equations (method 3)",
-     false},
-    {"Newton Method Iterative Process", "Newton after a decoupled start (method 4)", false},
-    {"NOLINEAR METHOD ITERATIVE PROCESS", "nonlinear", false},
+     Layout::Newton},
+    {"Newton Method Iterative Process", "Newton after a decoupled start (method 4)",
+     Layout::Newton},
+    {"NOLINEAR METHOD ITERATIVE PROCESS", "nonlinear method", Layout::Nonlinear},
 };
 
 constexpr const char* kInterrupted = "Calculation Termination!......";
@@ -35,24 +43,28 @@ std::string trimmed(const std::string& s) {
   return s.substr(b, s.find_last_not_of(' ') - b + 1);
 }
 
-// A table row: four blanks, the count in three columns, then the bus name
-// in 20 columns and the value in 12 from column 29 (and, for the decoupled
-// table, a second name and value from column 42).
-bool parse_row(const std::string& line, bool two_values, IterationRow& row) {
-  if (line.size() < 41 || line.compare(0, 4, "    ") != 0) return false;
+// A number in columns [from, from + width) of a line; false when there is none.
+bool field(const std::string& line, std::size_t from, std::size_t width, double& value) {
+  if (line.size() < from + width) return false;
+  const std::string text = line.substr(from, width);
   char* end = nullptr;
-  const std::string count = line.substr(4, 3);
-  row.t = static_cast<int>(std::strtol(count.c_str(), &end, 10));
-  if (end == count.c_str() || trimmed(std::string(end)) != "") return false;
-  const std::string value = line.substr(29, 12);
-  row.value = std::strtod(value.c_str(), &end);
-  if (end == value.c_str()) return false;
-  row.bus = trimmed(line.substr(8, 20));
-  if (two_values && line.size() >= 75) {
-    const std::string q = line.substr(63, 12);
-    const double vq = std::strtod(q.c_str(), &end);
-    if (end != q.c_str() && vq > row.value) row.value = vq, row.bus = trimmed(line.substr(42, 20));
-  }
+  value = std::strtod(text.c_str(), &end);
+  return end != text.c_str() && trimmed(std::string(end)).empty();
+}
+
+// A table row: the iteration count, the bus and the value at the places of
+// the table's layout (the decoupled table's second value when larger).
+bool parse_row(const std::string& line, Layout layout, IterationRow& row) {
+  const bool nonlinear = layout == Layout::Nonlinear;
+  double count = 0;
+  if (line.compare(0, 4, "    ") != 0 || !field(line, nonlinear ? 6 : 4, 3, count) ||
+      !field(line, nonlinear ? 31 : 29, 12, row.value))
+    return false;
+  row.t = static_cast<int>(count);
+  row.bus = trimmed(line.substr(nonlinear ? 16 : 8, nonlinear ? 10 : 20));
+  double q = 0;
+  if (layout == Layout::Decoupled && field(line, 63, 12, q) && q > row.value)
+    row.value = q, row.bus = trimmed(line.substr(42, 20));
   return true;
 }
 
@@ -80,7 +92,7 @@ RunLog parse_run_log(const std::vector<std::string>& lines) {
       continue;
     }
     IterationRow row;
-    if (table && parse_row(line, table->two_values, row)) {
+    if (table && parse_row(line, table->layout, row)) {
       row.table = log.tables;
       log.rows.push_back(row);
     }

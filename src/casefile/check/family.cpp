@@ -1,0 +1,59 @@
+#include "casefile/check/family.hpp"
+
+#include <algorithm>
+
+namespace lf::check {
+
+int32_t Family::header(std::string_view field) const {
+  if (l0.records.empty()) return 0;
+  return std::max(l0.integer(l0.records[0], field), 0);
+}
+
+bool Family::reads(const FileRead& f) const {
+  if (!f.present) return false;
+  if (&f == &l0) return true;
+  if (&f == &l1) return header("nbus") > 0;
+  if (&f == &l2) return header("nacline") > 0;
+  if (&f == &l3) return header("ntrans") > 0;
+  if (&f == &nl4) return header("ndcline") > 0;
+  if (&f == &l5) return header("ngenerat") > 0;
+  if (&f == &l6) return header("nload") > 0;
+  if (&f == &l7) return header("narea") > 0;
+  if (&f == &l10) return header("ctrl_fact") > 0;
+  if (&f == &l13) return header("ctrl_sub") > 0 && header("nswitch") > 0;
+  return &f == &dat;
+}
+
+int32_t Family::nbus() const {
+  return reads(l1) ? static_cast<int32_t>(l1.records.size()) : 0;
+}
+
+std::string Family::bus(int32_t b) const {
+  std::string s = "bus " + std::to_string(b);
+  if (b < 1 || b > nbus()) return s;
+  std::string name = l1.text(l1.records[static_cast<std::size_t>(b - 1)], "busname");
+  while (!name.empty() && name.back() == ' ') name.pop_back();
+  return s + " '" + name + "'";
+}
+
+Family read_family(const std::string& stem, const std::string& dat_stem, Warnings& w) {
+  Family f;
+  f.stem = stem;
+  f.l0 = read_records(stem + ".L0", ".L0", w);
+  f.l1 = read_records(stem + ".L1", ".L1", w);
+  f.l2 = read_records(stem + ".L2", ".L2", w);
+  f.l3 = read_records(stem + ".L3", ".L3", w);
+  f.nl4 = read_records(stem + ".NL4", ".NL4", w);
+  f.l5 = read_records(stem + ".L5", ".L5", w);
+  f.l6 = read_records(stem + ".L6", ".L6", w);
+  f.l7 = read_records(stem + ".L7", ".L7", w);
+  f.l10 = read_records(stem + ".L10", ".L10", w);
+  f.l13 = read_switches(stem + ".L13", w);
+  const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
+    return f.uses(f.l6, r) && f.l6.integer(r, "mode_ctrl") > 1;
+  });
+  f.dat = typed ? read_library(dat_stem + ".DAT", w) : unread(dat_stem + ".DAT", ".DAT");
+  return f;
+}
+
+}  // namespace lf::check

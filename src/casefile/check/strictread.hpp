@@ -1,0 +1,58 @@
+// Reading one case file strictly: every record as the engine's reader takes
+// it, with its place in the file, and, when the reading ends before the end
+// of the file, a warning that tells where and why, and how many records the
+// engine then uses.  Nothing of the engine's store is touched.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "casefile/check/layout.hpp"
+
+namespace lf::check {
+
+using Warnings = std::vector<std::string>;
+
+// One record as read; its fields by position in the layout.
+struct Record {
+  int32_t number = 0;              // place in the file, from 1, dropped records included
+  long line = 0;                   // line of the file where it starts, from 1
+  int32_t group = 0;               // .L13: the group (substation bus) it belongs to
+  std::vector<int32_t> ints;       // integer fields (0 at other positions)
+  std::vector<double> reals;       // real fields (0 at other positions)
+  std::vector<std::string> texts;  // text fields (empty at other positions)
+};
+
+struct FileRead {
+  std::string name;  // the file's path as given ("IEEE14.L2")
+  const Layout* layout = nullptr;
+  bool present = false;         // the file could be opened
+  std::vector<Record> records;  // the records the engine's reader takes
+  int32_t integer(const Record& r, std::string_view field) const {
+    return r.ints[layout->at(field)];
+  }
+  double real(const Record& r, std::string_view field) const { return r.reals[layout->at(field)]; }
+  const std::string& text(const Record& r, std::string_view field) const {
+    return r.texts[layout->at(field)];
+  }
+  // Whether the engine keeps a record: its mark above 0 (for .NL4 equal to
+  // 1, for .L13 its valid above 0); files without a mark keep every record.
+  bool kept(const Record& r) const;
+  int32_t kept_count() const;
+};
+
+// A file of the layout of `ext` before any reading: no records, not present.
+FileRead unread(const std::string& path, std::string_view ext);
+
+// A file of records of one layout, one after the other (.L0: one record).
+FileRead read_records(const std::string& path, std::string_view ext, Warnings& w);
+
+// .L13: groups of switch records, each record with its group.
+FileRead read_switches(const std::string& path, Warnings& w);
+
+// .DAT: the header, the skipped sections and the parameter sets.
+FileRead read_library(const std::string& path, Warnings& w);
+
+}  // namespace lf::check

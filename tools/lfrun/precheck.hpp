@@ -1,0 +1,10 @@
+// The case check that lfrun runs before a case in the files: the warnings of
+// the case checker on standard error, one line each.
+#pragma once
+
+#include <string>
+
+// Checks the case `name` in the working folder, with the load library that
+// NAME.INC names (line 4) or DATALIB; prints the warnings and, when `alone`,
+// a closing line.  Gives the number of warnings.
+int precheck(const std::string& name, bool alone);
