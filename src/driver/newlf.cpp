@@ -11,6 +11,7 @@
 
 #include "casefile/readers.hpp"
 #include "control/dcline.hpp"
+#include "control/models.hpp"
 #include "io/channels.hpp"
 #include "io/errlist.hpp"
 #include "methods/newton.hpp"
@@ -126,10 +127,18 @@ void newlf(int32_t& convergent) {
   if (RMXMVALID != 0) dwrmxm();
   dwsubij();  // substations, merging, opened line ends and islands
 
-  // User-defined models: their reader rudlf(casename, udlibname), then
-  // fmlfar() and udopio() when it found any.  Without them the count stays 0.
+  // User-defined models, when the case asks for them.  The flag of changed
+  // branch data belongs to this calculation alone.
   NU.nud = 0;
   NU.udout = 0;
+  CL23 = 0;
+  if (LF93.ctrl_ud != 0) {
+    rudlf(casename, udlibname);
+    if (NU.nud != 0) {
+      fmlfar();
+      udopio();
+    }
+  }
 
   adjcount = 0;
   NEW.fill(0);
@@ -147,16 +156,18 @@ void newlf(int32_t& convergent) {
     wtlf(convergent, casename);
   }
 
-  // The model output (udclio, udwinf, wtmud while NU.nud stays nonzero)
-  // belongs here.
+  // The model output; the count is tested anew before each step.
   MARKL23 = 0;
+  if (NU.nud != 0) udclio();
+  if (NU.nud != 0) udwinf();
+  if (NU.nud != 0) wtmud();
   if (CL23 != 0) {
     wrl23(casename);
     MARKL23 = 1;
   }
   serror();
   errlist_close();
-  // The model output's closing step: forwinlf(casename, convergent)
+  forwinlf(casename, convergent);
 
   print_elapsed(start);
   wstring("End of Program.  Please Close the Window....");

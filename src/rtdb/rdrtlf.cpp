@@ -230,6 +230,12 @@ void rdrtactrs() {
     store_rx(n, x.r1, x.x1, 0.0, x.tk);
     L3P.ang_shift[n] = x.ang_shift;
     store_control(n, x.mode_ctrl, x.par_no, x.ibs_ctrl, x.line_ctrl, x.value_ctrl);
+    // The standard models of a transformer are made from its own record.
+    L3P.mode_ctrl[t] = x.mode_ctrl;
+    L3P.par_group[t] = x.par_no;
+    L3P.ibs_ctrl[t] = x.ibs_ctrl;
+    L3P.line_ctrl[t] = x.line_ctrl;
+    L3P.value_ctrl[t] = x.value_ctrl;
   });
   close_pass(px, false);
 }
@@ -375,6 +381,7 @@ void rdrtloadpar() {
 
 void rdrtlf() {
   if (RTDBLSCMN.rtdbmode == 0) return;
+  NU.nl9 = 0;  // model rows come from a case file only, never from the database
   rdrtlfctrl();
   clamp_counts();
   if (LFINF.nbus > 0) rdrtbus();

@@ -335,6 +335,11 @@ int import(const std::string& stem, const fs::path& file, std::string dat) {
   rdlf(CaseName(stem), CaseName(dat));
   if (LFINF.narea > 0 || LF93.nswitch > 0)
     std::fprintf(stderr, "lfdb: note: area schedules and switch records stay in the case files\n");
+  if (LF93.ctrl_ud != 0 && NU.nl9 > 0 && fs::exists(stem + ".L9"))
+    std::fprintf(stderr,
+                 "lfdb: note: the model rows of %s.L9 cannot be carried by the database and are "
+                 "left out; the control fields of the rows are kept\n",
+                 stem.c_str());
 
   if (!create_schema(file)) return 1;
   int s = cli_create("lf", file.c_str(), 0, cli_open_default, 0, 0, 0, 0);
