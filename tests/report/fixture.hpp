@@ -14,11 +14,13 @@
 
 namespace lf::test {
 
-// The report file stem + ext headed by its name, the clock's stamp in the
-// first line of .LP1 masked.
+// The report file stem + ext headed by its name, the clock's stamps masked
+// (the first line of .LP1, the second of .CAL).
 inline std::string report_text(const std::string& stem, const std::string& ext) {
   std::string text = read_file(stem + ext);
-  if (ext == ".LP1") text.replace(0, text.find('\n'), text.substr(0, 4) + "<stamp>");
+  const std::size_t at = ext == ".CAL" ? text.find('\n') + 1 : 0;
+  if (ext == ".LP1" || (ext == ".CAL" && at > 0))
+    text.replace(at, text.find('\n', at) - at, text.substr(at, ext == ".LP1" ? 4 : 0) + "<stamp>");
   return "== " + ext + "\n" + text;
 }
 

@@ -1,7 +1,7 @@
 // The bundled examples solved from their case files by the driver, from
 // reading to the report files.  What each run prints and every report file it
 // writes stand in tests/data/golden/examples/<example>.txt, byte for byte but
-// for the clock (the elapsed time, the stamp in the first line of .LP1).
+// for the clock (the elapsed time and the stamps of the report files).
 #include <gtest/gtest.h>
 
 #include <algorithm>
