@@ -107,6 +107,12 @@ void print_elapsed(int32_t start) {
   wstring(line);
 }
 
+// The closing lines of every calculation.
+void finish(int32_t start) {
+  print_elapsed(start);
+  wstring("End of Program.  Please Close the Window....");
+}
+
 }  // namespace
 
 void newlf(int32_t& convergent) {
@@ -116,9 +122,18 @@ void newlf(int32_t& convergent) {
   errlist_open();
   read_names();
 
-  // The case, from the database or from the case files.
+  // The case, from the database or from the case files.  A case that the
+  // database gave only in part is neither solved nor written back.
   if (RTDBLSCMN.rtdbmode != 0) {
     rdrtlf();
+    if (!RTDBFAIL.text.empty()) {
+      wstring("Case not read from the database: nothing solved, nothing written");
+      wstring(" " + RTDBFAIL.text);
+      serror();
+      errlist_close();
+      finish(start);
+      return;
+    }
   } else {
     rdlf(casename, datalibname);
   }
@@ -169,8 +184,7 @@ void newlf(int32_t& convergent) {
   errlist_close();
   forwinlf(casename, convergent);
 
-  print_elapsed(start);
-  wstring("End of Program.  Please Close the Window....");
+  finish(start);
 }
 
 }  // namespace lf
