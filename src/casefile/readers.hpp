@@ -8,7 +8,10 @@
 // so far stand.  A missing mandatory file ends the process.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "store/store.hpp"
 
@@ -33,6 +36,27 @@ void rpalib(const std::string& path);  // static load parameter sets
 // Reads NAME.INC in the current folder into casename, datalibname and
 // udlibname, or takes the defaults when there is no such file.
 void read_names();
+
+// One row of a branch file as wrl23 reads it: field k (0-based, in file
+// order) is ints[k] when it is an integer field, reals[k] when a real one.
+struct BranchRow {
+  std::vector<int32_t> ints;
+  std::vector<double> reals;
+};
+
+// The rows of one branch file.
+struct BranchRows {
+  std::vector<BranchRow> rows;  // 0-based, in file order; may hold more than count
+  std::size_t count = 0;        // rows of the last reading that opened the file
+};
+
+// The .L2 and .L3 rows as wrl23 last read them; written and read by wrl23
+// alone.  They outlive the calculation on purpose: a later calculation that
+// cannot open a file writes the rows of the earlier reading back.
+struct L23ROWSRec {
+  BranchRows l2, l3;
+};
+extern L23ROWSRec L23ROWS;
 
 // Writes the branch data that the user-defined models changed back into the
 // case's .L2 and .L3 files.

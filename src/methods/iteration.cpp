@@ -1,7 +1,9 @@
 #include "methods/iteration.hpp"
 
+#include <algorithm>
 #include <cmath>
 
+#include "control/models.hpp"
 #include "sparse/ymatrix.hpp"
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
@@ -12,6 +14,20 @@ namespace lf {
 int32_t internal_bus(int32_t reduced) {
   if (reduced < 1 || static_cast<std::size_t>(reduced) > NEW.size()) return 0;
   return NEW[reduced];
+}
+
+void start_models() {
+  UDWORK = 100;
+  if (NU.nud != 0) initlf();
+}
+
+bool run_models(int32_t t) {
+  if (NU.nud == 0) return false;
+  elfud(t);
+  udlpex();
+  if (LFUDOT.UDCHG == 0) return false;
+  fomy12();
+  return true;
 }
 
 void glpos() {
@@ -46,6 +62,11 @@ void glpos() {
       L6.Angle[l] = L5.Angle[g];
     } else if (gt == -1 || gt == -2) {
       lt = gt;
+      L6.V[l] = L5.V[g];
+    } else if (gt == -4 || gt == -6) {
+      // A generator whose voltage a model moves: the load row holds the
+      // bus voltage with it, as for a plain voltage-given generator.
+      lt = -1;
       L6.V[l] = L5.V[g];
     } else if (gt == -3) {
       lt = -3;
@@ -221,16 +242,30 @@ void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed)
   }
 }
 
-BusName bus_label(int32_t bus, int32_t last) {
-  BusName out;
-  if (bus == 0) return out;
-  for (int32_t s = 1; s <= last; ++s) {
-    if (internal_bus(s) != bus) continue;
-    const int32_t c = static_cast<std::size_t>(s) <= NNTOON.map.size() ? NNTOON[s] : 0;
-    if (c >= 1 && static_cast<std::size_t>(c) <= L1.busname.size()) addspace(L1.busname[c], out);
-    break;
+double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& at) {
+  double m = 0;
+  for (int32_t i = 1; i <= n; ++i) {
+    const double x = std::max(std::fabs(a[i]), std::fabs(b[i]));
+    if (x > m) {
+      m = x;
+      at = i;
+    }
   }
+  return m;
+}
+
+BusName reduced_label(int32_t s) {
+  BusName out;
+  const int32_t c = s >= 1 && static_cast<std::size_t>(s) <= NNTOON.map.size() ? NNTOON[s] : 0;
+  if (c >= 1 && static_cast<std::size_t>(c) <= L1.busname.size()) addspace(L1.busname[c], out);
   return out;
+}
+
+BusName bus_label(int32_t bus, int32_t last) {
+  if (bus != 0)
+    for (int32_t s = 1; s <= last; ++s)
+      if (internal_bus(s) == bus) return reduced_label(s);
+  return BusName();
 }
 
 std::string table_count(int32_t t) {

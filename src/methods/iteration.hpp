@@ -7,6 +7,7 @@
 #include <string>
 
 #include "store/store.hpp"
+#include "store/vpq.hpp"
 #include "support/arr.hpp"
 
 namespace lf {
@@ -25,6 +26,17 @@ inline int32_t iter_type(int32_t mode_ctrl) {
 // Internal number of a reduced bus number, 0 when it has none.
 int32_t internal_bus(int32_t reduced);
 
+// A slack bus: its generator row or its load row has type 0 (GLP must be set).
+inline bool slack_bus(int32_t i) {
+  const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
+  return (g != 0 && L5.mode_ctrl[g] == 0) || (l != 0 && L6.mode_ctrl[l] == 0);
+}
+
+// The largest of |a[i]| and |b[i]| over buses 1 to n (pass one array twice
+// for one); `at` becomes the first bus that reaches it and keeps its value
+// when nothing is above 0.
+double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& at);
+
 // Fills GLP for buses 1..nnode and aligns the load row of a bus that also has
 // a generator row with that generator row (type, voltage, angle).
 void glpos();
@@ -38,6 +50,14 @@ void inivpq();
 // other k gives P.  The output not asked for is left alone.
 void allbpq(int32_t k, int32_t n, const Arr<double>& e, const Arr<double>& f, Arr<double>& ir,
             Arr<double>& ii, Arr<double>& pc, Arr<double>& qc);
+
+// The user-defined models at the start of a method's pass: UDWORK back to
+// 100 and, when there are models, their initial outputs and start-up pass.
+void start_models();
+// The models' evaluation at the start of iteration t, with the recording of
+// their requests.  True when a model changed a branch; Y has then been
+// formed anew, and the caller refreshes what it built from Y.
+bool run_models(int32_t t);
 
 // Right-justifies a bus name in 20 columns.
 void addspace(const BusName& in, BusName& out);
@@ -65,6 +85,10 @@ enum class FixedV {
 // the computed reactive power of a fixed-voltage bus goes to its generator
 // row unless that row has no output.
 void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed);
+
+// The right-justified case name of reduced bus s; blanks when s names no
+// case bus.
+BusName reduced_label(int32_t s);
 
 // The right-justified name of internal bus `bus`: the case name of the first
 // reduced number in 1..last whose internal number it is; blanks when none.

@@ -17,7 +17,7 @@ namespace lf {
 
 namespace {
 
-// The kinds of bus that the Jacobian tells apart.
+// The kinds of bus that the Jacobian tells apart (the values of JKIND).
 enum : uint8_t { kPQ, kFixedV, kSlack };
 
 // Calls put(k, j, y, diag) for each entry of row i of the Jacobian, in
@@ -43,13 +43,12 @@ inline int32_t walk_row(int32_t i, int32_t k, const uint8_t* kind, Put&& put) {
   return k;
 }
 
-// The kind of each bus 1 to n: kPQ, kFixedV or kSlack.  Formed anew for
-// each Jacobian, in a buffer that is kept, so that forming allocates nothing.
+// The kind of each bus 1 to n: kPQ, kFixedV or kSlack, formed anew in JKIND
+// for each Jacobian.
 const uint8_t* bus_kinds(int32_t n) {
-  static Arr<uint8_t> kinds;
-  kinds.grow(static_cast<std::size_t>(n));
-  for (int32_t i = 1; i <= n; ++i) kinds[i] = slack_bus(i) ? kSlack : pq_row(i) ? kPQ : kFixedV;
-  return kinds.data();
+  JKIND.grow(static_cast<std::size_t>(n));
+  for (int32_t i = 1; i <= n; ++i) JKIND[i] = slack_bus(i) ? kSlack : pq_row(i) ? kPQ : kFixedV;
+  return JKIND.data();
 }
 
 // The identity block of a slack row.
@@ -117,6 +116,8 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
 }
 
 }  // namespace
+
+Arr<uint8_t> JKIND;
 
 void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
            Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab, Arr<double>& ad) {

@@ -10,6 +10,12 @@
 
 namespace lf {
 
+// The kind of each bus as the last Jacobian saw it, by internal bus 1 to
+// nnode: 0 P and Q given, 1 voltage fixed, 2 slack.  Written by formj and
+// iformj at the start of each forming and read by them alone; kept between
+// calls so that forming allocates nothing.
+extern Arr<uint8_t> JKIND;
+
 // Power-equation Jacobian at the present E, F.  ir, ii are the bus current
 // sums left by allbpq; nent is the capacity of the matrix (2 NYENT).
 void formj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,

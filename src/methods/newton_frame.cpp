@@ -10,8 +10,10 @@
 
 namespace lf {
 
+NewtonWork NWORK;
+
 NewtonWork& newton_work() {
-  static NewtonWork w;
+  NewtonWork& w = NWORK;
   const int32_t n = NO.nnode;
   w.n = n;
   w.nent = 2 * NO.NYENT;
@@ -63,18 +65,6 @@ void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<doub
 void power_mismatch(NewtonWork& w) {
   mismatch_p(w.n, w.PC, w.D1);
   mismatch_q(w.n, w.QC, w.D2, FixedV::Squared);
-}
-
-double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& ip) {
-  double m = 0;
-  for (int32_t i = 1; i <= n; ++i) {
-    const double x = std::max(std::fabs(a[i]), std::fabs(b[i]));
-    if (x > m) {
-      m = x;
-      ip = i;
-    }
-  }
-  return m;
 }
 
 void correct(NewtonWork& w, double mu) {
@@ -142,12 +132,7 @@ void print_heading(std::string_view title, int32_t rule, std::string_view column
 
 void print_row(const NewtonWork& w, int32_t t, int32_t ip, double value,
                std::optional<double> factor) {
-  const int32_t s = w.FIRST[ip];
-  BusName name;
-  if (static_cast<std::size_t>(s) <= NNTOON.map.size()) {
-    const int32_t c = NNTOON[s];
-    if (c >= 1 && static_cast<std::size_t>(c) <= L1.busname.size()) addspace(L1.busname[c], name);
-  }
+  const BusName name = reduced_label(w.FIRST[ip]);
   std::string line(4, ' ');
   line.append(fmt_i(t, 3)).append(1, ' ').append(name.view()).append(1, ' ');
   line.append(fmt_f(value, 12, 6));

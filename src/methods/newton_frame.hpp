@@ -16,12 +16,6 @@
 
 namespace lf {
 
-// A slack bus: its generator row or its load row has type 0.
-inline bool slack_bus(int32_t i) {
-  const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
-  return (g != 0 && L5.mode_ctrl[g] == 0) || (l != 0 && L6.mode_ctrl[l] == 0);
-}
-
 // A bus with P and Q given: neither of its rows fixes the voltage.
 inline bool pq_row(int32_t i) {
   const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
@@ -67,7 +61,11 @@ struct AnglesOnReturn {
   ~AnglesOnReturn() { settle_angles(w); }
 };
 
-// The store, sized for the present case.
+// The one store of the Newton-type methods: written and read by them and by
+// the routines of this file; sized by newton_work() at the start of a call.
+extern NewtonWork NWORK;
+
+// NWORK, sized for the present case.
 NewtonWork& newton_work();
 
 // Forms the Jacobian's factors: with `first` the fill-in is found anew,
@@ -83,10 +81,6 @@ void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<doub
 // Power mismatches D1, D2 of all buses at the present PC, QC (keeping PG, QG,
 // PL, QL).
 void power_mismatch(NewtonWork& w);
-
-// The largest of |a[i]| and |b[i]| over the buses; ip becomes the first bus
-// that reaches it and keeps its value when nothing is above 0.
-double largest(const Arr<double>& a, const Arr<double>& b, int32_t n, int32_t& ip);
 
 // E -= mu X1, F -= mu X2 for every bus, then V from them; TH is due.
 void correct(NewtonWork& w, double mu);

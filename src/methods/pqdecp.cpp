@@ -13,6 +13,7 @@
 #include "methods/limit.hpp"
 #include "sparse/symfactor.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/lfudot.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
 
@@ -41,11 +42,6 @@ void cut(Arr<double>& b, int32_t i) {
   for (int32_t p = Y.LKNEXT[d]; p != 0 && p != d; p = Y.LKNEXT[p]) b[p] = 0;
 }
 
-bool slack_bus(int32_t i) {
-  return (GLP.IGEN[i] != 0 && L5.mode_ctrl[GLP.IGEN[i]] == 0) ||
-         (GLP.ILOAD[i] != 0 && L6.mode_ctrl[GLP.ILOAD[i]] == 0);
-}
-
 // The factors of B1 and B2 share one pattern, so one set of index arrays.
 struct Factors {
   Arr<int32_t> il, jl, lnrow, lnpos;
@@ -54,19 +50,6 @@ struct Factors {
 
 void factorise(const Arr<double>& b, Factors& f, Arr<double>& lv) {
   symtri71(NO.nnode, NO.NYENT, 5 * NO.NYENT, Y.IY, Y.IY, Y.JY, b, f.il, f.jl, f.lnrow, f.lnpos, lv);
-}
-
-// Largest |d[i]| with the first bus reaching it; `at` is kept when no value
-// exceeds 0.
-double largest(int32_t n, const Arr<double>& d, int32_t& at) {
-  double m = 0;
-  for (int32_t i = 1; i <= n; ++i) {
-    if (std::fabs(d[i]) > m) {
-      m = std::fabs(d[i]);
-      at = i;
-    }
-  }
-  return m;
 }
 
 void heading() {
@@ -193,14 +176,21 @@ void pqdecp(int32_t& status, bool& finite) {
     heading();
     int32_t t = 0;
     inivpq();
+    start_models();
     before.save(n);
     for (;;) {
+      if (run_models(t)) {  // a model changed a branch: both matrices anew
+        formb1(b1);
+        factorise(b1, f, f.lv1);
+        formb2(b2);
+        factorise(b2, f, f.lv2);
+      }
       if (LFINF.ndcline != 0) dctran();
 
       allbpq(1, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
       mismatch_p(n, pc, dp);
       if (const int32_t at = nonfinite_at(n, dp)) return diverge("mismatch", at);
-      const double maxdp = largest(n, dp, ip);
+      const double maxdp = largest(dp, dp, n, ip);
       if (maxdp >= peps) {
         correction(n, f, f.lv1, dp, x);
         if (const int32_t at = nonfinite_at(n, x)) return diverge("correction", at);
@@ -212,7 +202,7 @@ void pqdecp(int32_t& status, bool& finite) {
       allbpq(2, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
       mismatch_q(n, qc, dq, FixedV::Cut);
       if (const int32_t at = nonfinite_at(n, dq)) return diverge("mismatch", at);
-      double maxdq = largest(n, dq, iq);
+      double maxdq = largest(dq, dq, n, iq);
       if (maxdq >= peps) {
         correction(n, f, f.lv2, dq, x);
         if (const int32_t at = nonfinite_at(n, x)) return diverge("correction", at);
@@ -240,6 +230,7 @@ void pqdecp(int32_t& status, bool& finite) {
       ++t;
       maxdq = std::max(maxdp, maxdq);
       pbest = std::min(pbest, maxdq);
+      UDWORK = maxdq;
       if (t > LFINF.iteration) break;
     }
     if (convergent == 0) {

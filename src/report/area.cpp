@@ -22,12 +22,18 @@ int32_t area_of(int32_t b) {
   return LL1.busarea[NNTOON[b]];
 }
 
-// The interchange of area a; an area number beyond the table widens it.
-double& pact(int32_t a) {
-  static double outside = 0;
-  if (a < 0) return outside = 0;
+// The interchange of area a: 0 for a negative area number, which no area
+// record can name.
+double pact(int32_t a) {
+  return a < 0 || static_cast<std::size_t>(a) > AREA.PACT.size() ? 0.0 : AREA.PACT[a];
+}
+
+// Adds x to the interchange of area a; an area number beyond the table
+// widens it, a negative one takes nothing.
+void add_pact(int32_t a, double x) {
+  if (a < 0) return;
   AREA.PACT.grow(static_cast<std::size_t>(a));
-  return AREA.PACT[a];
+  AREA.PACT[a] += x;
 }
 
 void print_table() {
@@ -65,6 +71,7 @@ int32_t regulating_generator(int32_t rec) {
 void adjare(int32_t& flag) {
   flag = 0;
   AREA.PACT.fill(0);
+  AREA.PACT[0] = 0;  // area 0 counts too: nothing of an earlier call may stay
 
   // Tie lines: each end counts its flow to its own area, and the loss goes
   // to the area named by the branch, or else to the first end's area.
@@ -73,17 +80,17 @@ void adjare(int32_t& flag) {
     if (a == b) continue;
     double pij, qij, pji, qji, ci, cj;
     brpq(k, pij, qij, pji, qji, ci, cj);
-    pact(a) += pij;
-    pact(b) += pji;
-    pact(IJB.LOSSAREA[k] > 0 ? IJB.LOSSAREA[k] : a) -= pij + pji;
+    add_pact(a, pij);
+    add_pact(b, pji);
+    add_pact(IJB.LOSSAREA[k] > 0 ? IJB.LOSSAREA[k] : a, -(pij + pji));
   }
   // DC lines as the interchange sees them: their ends lie on one bus, so
   // DC power crossing an area boundary is not counted.
   for (int32_t k = 1; k <= LFINF.ndcline; ++k) {
     const int32_t a = area_of(LDC3.ibs[k]), b = area_of(LDC3.jbs[k]);
     if (a == b) continue;
-    pact(a) += LDC3.pi[k];
-    pact(b) += LDC3.pj[k];
+    add_pact(a, LDC3.pi[k]);
+    add_pact(b, LDC3.pj[k]);
   }
 
   const int32_t n = LFINF.narea;

@@ -286,6 +286,20 @@ void wlp3(const CaseName& casename) {
   }
 }
 
+void unit_output(int32_t r, double pg, double qg, double& p, double& q) {
+  const double share = static_cast<std::size_t>(r) <= L5OLD.share.size() ? L5OLD.share[r] : 1.0;
+  if (!(share < 1.0)) {
+    p = pg;
+    q = qg;
+  } else if (L5.mode_ctrl[L5OLD.map[r]] < 1) {
+    p = share * pg;
+    q = share * qg;
+  } else {
+    p = L5OLD.P[r];
+    q = L5OLD.Q[r];
+  }
+}
+
 void wlp5(const CaseName& casename) {
   ReportFile out(casename.trimmed() + ".LP5", ReportFile::kReplace);
   if (!out.ok()) return;
@@ -293,18 +307,8 @@ void wlp5(const CaseName& casename) {
     const int32_t b = L5OLD.ibs[r];
     const int32_t i = NEW[b];
     if (i == 0) continue;
-    const double share = L5OLD.share[r];
     double p, q;
-    if (!(share < 1.0)) {
-      p = VPQ.PG[i];
-      q = VPQ.QG[i];
-    } else if (L5.mode_ctrl[L5OLD.map[r]] < 1) {
-      p = share * VPQ.PG[i];
-      q = share * VPQ.QG[i];
-    } else {
-      p = L5OLD.P[r];
-      q = L5OLD.Q[r];
-    }
+    unit_output(r, VPQ.PG[i], VPQ.QG[i], p, q);
     // The row number as read also serves as a row of the merged generators here.
     if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == 0)
       slack_row(L5.ibs[r], VPQ.PG[i], VPQ.QG[i]);

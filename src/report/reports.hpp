@@ -25,6 +25,13 @@ void brpq(int32_t k, double& pij, double& qij, double& pji, double& qji, double&
 // Magnitudes of the currents at the two ends of branch k.
 void bracurrent(int32_t k, double& ii, double& ij);
 
+// The output p, q of generator r as read (a row of L5OLD) when its bus
+// produces pg, qg in all: the whole of it for a unit not merged, its share
+// when the merged unit regulates (type below 1), and the value it was given
+// when the merged unit is fixed.  The reports and the database writer both
+// hand the results out by this rule.
+void unit_output(int32_t r, double pg, double qg, double& p, double& q);
+
 // The printed table of the slack buses (database mode).
 void prnslackbuspq();
 

@@ -1,5 +1,6 @@
 #include "casefile/check/rules.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 
@@ -8,6 +9,7 @@ namespace lf::check {
 namespace {
 
 constexpr int32_t kLibraryRoom = 80;  // parameter sets the engine has room for from the start
+constexpr int32_t kNodeRoom = 10000;  // node numbers of switch records at least allowed
 
 std::string num(double x) {
   std::string s = std::to_string(x);
@@ -128,8 +130,17 @@ void check_records(const Family& f, Warnings& w) {
   rows(f, f.l5, w);
   rows(f, f.l6, w);
   load_types(f, w);
-  for (const Record& r : f.l13.records)
-    if (f.uses(f.l13, r)) bus_in_case(f, f.l13, r, r.group, w);
+  const int32_t top_node = std::max(f.nbus(), kNodeRoom);
+  for (const Record& r : f.l13.records) {
+    if (!f.uses(f.l13, r)) continue;
+    bus_in_case(f, f.l13, r, r.group, w);
+    for (const char* end : {"I", "J"}) {
+      const int32_t node = f.l13.integer(r, end);
+      if (node < 1 || node > top_node)
+        w.push_back(where(f.l13, r) + ": node number " + std::to_string(node) + " is not in 1.." +
+                    std::to_string(top_node) + "; the engine stops");
+    }
+  }
 }
 
 }  // namespace lf::check
