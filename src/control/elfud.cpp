@@ -43,7 +43,7 @@ void inilf() {
        {&UDXY.X1, &UDXY.X2, &UDXY.YO, &UDXY.Y, &UDXY.DX1, &UDXY.DX2, &UDXY.DYO, &UDXY.DY})
     reallocate(*a, 0, n);
   for (Arr<double>& a : BINTFA) {
-    a.grow(kCapBus);
+    a.grow(std::max(kCapBus, nodes));
     a.fill(0);
   }
 }

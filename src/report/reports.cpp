@@ -1,5 +1,6 @@
 #include "report/reports.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -14,13 +15,12 @@
 #include "sparse/ymatrix.hpp"
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
+#include "support/angles.hpp"
 #include "support/fmt.hpp"
 
 namespace lf {
 
 namespace {
-
-constexpr double kRadToDeg = 57.2957795;
 
 // Name of the bus that reduced bus b stands for.
 std::string bus_name(int32_t b) {
@@ -63,6 +63,7 @@ EndCurrents end_currents(int32_t i, int32_t j, double R, double X, double B, dou
 class BranchIndex {
  public:
   BranchIndex() {
+    first_.reserve(static_cast<std::size_t>(std::max(NO.nbranch, 0)));
     for (int32_t k = NO.nbranch; k >= 1; --k)
       first_[key(IJB.No[k], NNTOON[IJB.I[k]], NNTOON[IJB.J[k]])] = k;
   }
@@ -141,10 +142,12 @@ void write_lpd(const CaseName& casename) {
     const int32_t i = NEW[k];
     if (i == 0) continue;
     const int32_t s = k - nbase - 1;
-    const std::string tail =
-        csv_f({VPQ.V[i], VPQ.TH[i] * kRadToDeg}, 15, 10) + "'" + L1.busname[NNTOON[k]].str() + "',";
+    const std::string tail = csv_f({VPQ.V[i], VPQ.TH[i] * kRadToDegShort}, 15, 10) + "'" +
+                             L1.busname[NNTOON[k]].str() + "',";
     const auto line = [&](int32_t b, int32_t n) {
-      out.put(csv_i({NNTOON[k], k, IJB.No[b], n}, 6) + tail);
+      out.ints({NNTOON[k], k, IJB.No[b], n}, 6);
+      out.text(tail);
+      out.end_line();
     };
     const int32_t r = LFINF.nload > 0 ? first_load[s] : 0;
     const int32_t n = r > 0 ? L6.No[r] : 0;
@@ -199,18 +202,18 @@ void dwirii() {
     const double p = LFUDOT.UDPINJ[i], q = LFUDOT.UDQINJ[i];
     if (std::fabs(p) + std::fabs(q) < 1e-7) continue;
     if (const int32_t g = GLP.IGEN[i]; g > 0) {
-      if (L5.mode_ctrl[g] == 0) {
+      if (L5.mode_ctrl[g] == kTypeSlack) {
         VPQ.PG[i] -= p;
         VPQ.QG[i] -= q;
-      } else if (L5.mode_ctrl[g] == -1) {
+      } else if (L5.mode_ctrl[g] == kTypePV) {
         VPQ.QG[i] -= q;
       }
     }
     if (const int32_t l = GLP.ILOAD[i]; l > 0) {
-      if (L6.mode_ctrl[l] == 0) {
+      if (L6.mode_ctrl[l] == kTypeSlack) {
         VPQ.PL[i] -= p;
         VPQ.QL[i] -= q;
-      } else if (L6.mode_ctrl[l] == -1) {
+      } else if (L6.mode_ctrl[l] == kTypePV) {
         VPQ.QL[i] -= q;
       }
     }
@@ -221,11 +224,11 @@ void prnslackbuspq() {
   slack_head();
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     const int32_t i = NEW[L5.ibs[g]];
-    if (i != 0 && L5.mode_ctrl[g] == 0) slack_row(L5.ibs[g], VPQ.PG[i], VPQ.QG[i]);
+    if (i != 0 && L5.mode_ctrl[g] == kTypeSlack) slack_row(L5.ibs[g], VPQ.PG[i], VPQ.QG[i]);
   }
   for (int32_t l = 1; l <= LFINF.nload; ++l) {
     const int32_t i = NEW[L6.ibs[l]];
-    if (i != 0 && L6.mode_ctrl[l] == 0 && GLP.IGEN[i] == 0)
+    if (i != 0 && L6.mode_ctrl[l] == kTypeSlack && GLP.IGEN[i] == 0)
       slack_row(L6.ibs[l], -VPQ.PL[i], -VPQ.QL[i]);
   }
 }
@@ -238,29 +241,32 @@ void wlp1(int32_t convergent, const CaseName& casename) {
     for (int32_t k = 1; k <= NNTOON.nbase; ++k) {
       const int32_t i = NEW[k];
       if (i == 0) continue;
-      double angle = VPQ.TH[i] * kRadToDeg;
+      double angle = VPQ.TH[i] * kRadToDegShort;
       if (std::fabs(angle) > 360.0) angle -= std::trunc(angle / 360.0) * 360.0;
-      out.put(csv_i({k}, 4) + csv_f({VPQ.V[i], angle}, 15, 10));
+      out.ints({k}, 4);
+      out.reals({VPQ.V[i], angle}, 15, 10);
+      out.end_line();
     }
   }
   write_lpd(casename);
 }
 
-void wlp2(const CaseName& casename) {
+namespace {
+
+void write_lp2(const CaseName& casename, const BranchIndex& index) {
   ReportFile out(casename.trimmed() + ".LP2");
-  const BranchIndex index;
   double pij, qij, pji, qji, ci, cj;
   for (int32_t r = 1; r <= LFINF.nacline; ++r) {
     row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
-    out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
-            csv_f({pij, qij, 0.0 - pji, 0.0 - qji, ci, cj}, 10, 5));
+    out.ints({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6);
+    out.reals({pij, qij, 0.0 - pji, 0.0 - qji, ci, cj}, 10, 5);
+    out.end_line();
   }
 }
 
-void wlp3(const CaseName& casename) {
+void write_lp3(const CaseName& casename, const BranchIndex& index) {
   ReportFile out(casename.trimmed() + ".LP3");
   LFUDOT.grow(static_cast<std::size_t>(NO.nnode));
-  const BranchIndex index;
   double pij, qij, pji, qji, ci, cj;
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const int32_t r = LFINF.nacline + t;
@@ -275,15 +281,26 @@ void wlp3(const CaseName& casename) {
     }
     const double rm = L3PP.Rm[t], xm = L3PP.Xm[t];
     double pm = 0, qm = 0;
-    if (!(std::fabs(rm) + std::fabs(xm) < 1e-11)) {  // magnetising branch
+    if (!(std::fabs(rm) + std::fabs(xm) < kNegligibleMagnetising)) {  // magnetising branch
       pm = rm * VPQ.V[i] * VPQ.V[i] / (rm * rm + xm * xm);
       qm = xm * VPQ.V[i] * VPQ.V[i] / (rm * rm + xm * xm);
       pij += pm;
       qij += qm;
     }
-    out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
-            csv_f({pij, qij, pb, qb, pm, qm}, 10, 5));
+    out.ints({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6);
+    out.reals({pij, qij, pb, qb, pm, qm}, 10, 5);
+    out.end_line();
   }
+}
+
+}  // namespace
+
+void wlp2(const CaseName& casename) {
+  write_lp2(casename, BranchIndex());
+}
+
+void wlp3(const CaseName& casename) {
+  write_lp3(casename, BranchIndex());
 }
 
 void unit_output(int32_t r, double pg, double qg, double& p, double& q) {
@@ -291,7 +308,7 @@ void unit_output(int32_t r, double pg, double qg, double& p, double& q) {
   if (!(share < 1.0)) {
     p = pg;
     q = qg;
-  } else if (L5.mode_ctrl[L5OLD.map[r]] < 1) {
+  } else if (L5.mode_ctrl[L5OLD.map[r]] < kTypePQ) {
     p = share * pg;
     q = share * qg;
   } else {
@@ -310,11 +327,13 @@ void wlp5(const CaseName& casename) {
     double p, q;
     unit_output(r, VPQ.PG[i], VPQ.QG[i], p, q);
     // The row number as read also serves as a row of the merged generators here.
-    if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == 0)
+    if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == kTypeSlack)
       slack_row(L5.ibs[r], VPQ.PG[i], VPQ.QG[i]);
-    std::string line(1, ' ');
-    line += csv_i({b}, 4) + csv_f({p, q}, 20, 10) + csv_i({L5OLD.merged[r]}, 6);
-    out.put(line);
+    out.text(" ");
+    out.ints({b}, 4);
+    out.reals({p, q}, 20, 10);
+    out.ints({L5OLD.merged[r]}, 6);
+    out.end_line();
   }
 }
 
@@ -328,7 +347,7 @@ void wlp6(const CaseName& casename) {
     const int32_t b = L6.ibs[r];
     const int32_t i = NEW[b];
     if (i == 0) continue;
-    if (L6.mode_ctrl[r] == 0 && GLP.IGEN[i] == 0) slack_row(b, -VPQ.PL[i], -VPQ.QL[i]);
+    if (L6.mode_ctrl[r] == kTypeSlack && GLP.IGEN[i] == 0) slack_row(b, -VPQ.PL[i], -VPQ.QL[i]);
     if (shares && L6.No[r] == 0) {
       const auto it = as_read.find(b);
       const std::size_t c = it == as_read.end() ? 0 : it->second.size();
@@ -336,22 +355,26 @@ void wlp6(const CaseName& casename) {
         const int32_t m = L6.mode_ctrl[r];
         for (int32_t q : it->second) {
           double p, qq;
-          if (m == 0) {
+          if (m == kTypeSlack) {
             p = VPQ.PL[i] / static_cast<double>(c);
             qq = VPQ.QL[i] / static_cast<double>(c);
-          } else if (m < 0) {
+          } else if (m < kTypeSlack) {
             p = L6PP.P[q];
             qq = VPQ.QL[i] * L6PP.P[q] / VPQ.PL[i];
           } else {
             p = L6PP.P[q];
             qq = L6PP.Q[q];
           }
-          out.put(csv_i({NNTOON[L6PP.ibs[q]], L6PP.No[q]}, 4) + csv_f({p, qq}, 20, 10));
+          out.ints({NNTOON[L6PP.ibs[q]], L6PP.No[q]}, 4);
+          out.reals({p, qq}, 20, 10);
+          out.end_line();
         }
         continue;
       }
     }
-    out.put(csv_i({NNTOON[b], L6.No[r]}, 4) + csv_f({VPQ.PL[i], VPQ.QL[i]}, 20, 10));
+    out.ints({NNTOON[b], L6.No[r]}, 4);
+    out.reals({VPQ.PL[i], VPQ.QL[i]}, 20, 10);
+    out.end_line();
   }
 }
 
@@ -363,7 +386,9 @@ void wlp7(const CaseName& casename) {
         no >= 1 && static_cast<std::size_t>(no) <= AREA.PACT.size() ? AREA.PACT[no] : 0;
     // An area whose regulating generator was not found shows 0 for its output.
     const int32_t g = regulating_generator(a);
-    out.put(csv_i({no}, 4) + csv_f({pact, g > 0 ? L5.P[g] : 0.0}, 15, 8));
+    out.ints({no}, 4);
+    out.reals({pact, g > 0 ? L5.P[g] : 0.0}, 15, 8);
+    out.end_line();
   }
 }
 
@@ -372,8 +397,12 @@ void wtlf(int32_t convergent, const CaseName& casename) {
   slack_head();
   if (NU.nud > 0) dwirii();
   if (NO.nnode != 0) wlp1(convergent, casename);
-  if (LFINF.nacline != 0) wlp2(casename);
-  if (LFINF.ntrans != 0) wlp3(casename);
+  if (LFINF.nacline != 0 || LFINF.ntrans != 0) {
+    // One index serves both files.
+    const BranchIndex index;
+    if (LFINF.nacline != 0) write_lp2(casename, index);
+    if (LFINF.ntrans != 0) write_lp3(casename, index);
+  }
   if (LFINF.ndcline != 0) {
     nwlp4(casename);
     wlp4_new(casename);
