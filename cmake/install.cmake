@@ -34,3 +34,7 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/lfengineConfigVersi
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lfengineConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/lfengineConfigVersion.cmake
         DESTINATION ${LF_PACKAGE_DIR})
+
+# The standard model library, for users to place beside their model
+# libraries (see docs/models.md).
+install(FILES ${PROJECT_SOURCE_DIR}/lib/SYSMODEL.DLF DESTINATION ${CMAKE_INSTALL_DATADIR}/lfengine)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that the build needs and that are missing;
-# with --tests also what the tests need.
-#   tools/install-deps.sh [--tests]
+# with --tests also what the tests need, with --fuzz clang and its fuzzing
+# runtime (tools/fuzz.sh).
+#   tools/install-deps.sh [--tests | --fuzz]
 set -euo pipefail
 # libfltk1.3-dev: the on-screen progress window.
 pkgs=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev libfltk1.3-dev)
@@ -13,6 +14,9 @@ if [ "${1:-}" = "--tests" ]; then
   # sqlite3: the bad-input table damages databases with it.
   pkgs+=(xvfb xauth xdotool chromium sqlite3)
   command -v npm >/dev/null || pkgs+=(npm)
+fi
+if [ "${1:-}" = "--fuzz" ]; then
+  pkgs+=(clang libclang-rt-14-dev)
 fi
 missing=()
 for p in "${pkgs[@]}"; do

@@ -1,6 +1,12 @@
 // Writing the branch files back: the .L2 and .L3 rows of the case are read
 // again and written with R, X and the third real (B or the ratio T) that
 // the calculation left in the branch records.
+//
+// A row is read with the fields that the case reader takes (13 in .L2, 17
+// in .L3, the rest of its line passed over) and written with two (.L2) or
+// five (.L3) more fields behind them, all zero: the case reader takes the
+// leading fields of each line, so a file written here reads back as it was
+// meant, and so does one written before, read here again.
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -21,19 +27,20 @@ struct BranchLayout {
   const char* extension;
   const char* pattern;  // I: integer, R: real, in file order
   const int* widths;    // output width of each field; reals are F14.6
+  std::size_t fields;   // fields a row of the case reader holds, read here
 };
 
 constexpr int kL2Widths[] = {2, 4, 4, 4, 14, 14, 14, 2, 2, 2, 4, 4, 14, 14, 4};
 constexpr int kL3Widths[] = {2, 4, 4, 4, 14, 14, 14, 14, 14, 3, 3,
                              3, 3, 4, 4, 14, 14, 14, 4,  2,  2, 2};
-constexpr BranchLayout kL2{".L2", "IIIIRRRIIIIIRRI", kL2Widths};
-constexpr BranchLayout kL3{".L3", "IIIIRRRRRIIIIIIRRRIIII", kL3Widths};
+constexpr BranchLayout kL2{".L2", "IIIIRRRIIIIIRRI", kL2Widths, 13};
+constexpr BranchLayout kL3{".L3", "IIIIRRRRRIIIIIIRRRIIII", kL3Widths, 17};
 
-bool read_row(FreeReader& in, const std::string& pattern, BranchRow& row) {
+bool read_row(FreeReader& in, const std::string& pattern, std::size_t fields, BranchRow& row) {
   row.ints.assign(pattern.size(), 0);
   row.reals.assign(pattern.size(), 0.0);
   std::vector<ReadItem> items;
-  for (std::size_t k = 0; k < pattern.size(); ++k) {
+  for (std::size_t k = 0; k < fields; ++k) {
     items.push_back(pattern[k] == 'I' ? ReadItem::of(row.ints[k]) : ReadItem::of(row.reals[k]));
   }
   return in.read(items);
@@ -44,7 +51,7 @@ void read_branch_file(const std::string& stem, const BranchLayout& layout, Branc
   if (!in.open(stem + layout.extension)) return;
   std::size_t n = 0;
   BranchRow row;
-  while (read_row(in, layout.pattern, row)) {
+  while (read_row(in, layout.pattern, layout.fields, row)) {
     if (n == file.rows.size()) file.rows.emplace_back();
     file.rows[n++] = row;
   }

@@ -11,6 +11,7 @@
 
 #include "casefile/readers.hpp"
 #include "control/dcline.hpp"
+#include "control/models.hpp"
 #include "io/channels.hpp"
 #include "io/errlist.hpp"
 #include "methods/newton.hpp"
@@ -106,6 +107,12 @@ void print_elapsed(int32_t start) {
   wstring(line);
 }
 
+// The closing lines of every calculation.
+void finish(int32_t start) {
+  print_elapsed(start);
+  wstring("End of Program.  Please Close the Window....");
+}
+
 }  // namespace
 
 void newlf(int32_t& convergent) {
@@ -115,9 +122,18 @@ void newlf(int32_t& convergent) {
   errlist_open();
   read_names();
 
-  // The case, from the database or from the case files.
+  // The case, from the database or from the case files.  A case that the
+  // database gave only in part is neither solved nor written back.
   if (RTDBLSCMN.rtdbmode != 0) {
     rdrtlf();
+    if (!RTDBFAIL.text.empty()) {
+      wstring("Case not read from the database: nothing solved, nothing written");
+      wstring(" " + RTDBFAIL.text);
+      serror();
+      errlist_close();
+      finish(start);
+      return;
+    }
   } else {
     rdlf(casename, datalibname);
   }
@@ -126,10 +142,18 @@ void newlf(int32_t& convergent) {
   if (RMXMVALID != 0) dwrmxm();
   dwsubij();  // substations, merging, opened line ends and islands
 
-  // User-defined models: their reader rudlf(casename, udlibname), then
-  // fmlfar() and udopio() when it found any.  Without them the count stays 0.
+  // User-defined models, when the case asks for them.  The flag of changed
+  // branch data belongs to this calculation alone.
   NU.nud = 0;
   NU.udout = 0;
+  CL23 = 0;
+  if (LF93.ctrl_ud != 0) {
+    rudlf(casename, udlibname);
+    if (NU.nud != 0) {
+      fmlfar();
+      udopio();
+    }
+  }
 
   adjcount = 0;
   NEW.fill(0);
@@ -147,19 +171,20 @@ void newlf(int32_t& convergent) {
     wtlf(convergent, casename);
   }
 
-  // The model output (udclio, udwinf, wtmud while NU.nud stays nonzero)
-  // belongs here.
+  // The model output; the count is tested anew before each step.
   MARKL23 = 0;
+  if (NU.nud != 0) udclio();
+  if (NU.nud != 0) udwinf();
+  if (NU.nud != 0) wtmud();
   if (CL23 != 0) {
     wrl23(casename);
     MARKL23 = 1;
   }
   serror();
   errlist_close();
-  // The model output's closing step: forwinlf(casename, convergent)
+  forwinlf(casename, convergent);
 
-  print_elapsed(start);
-  wstring("End of Program.  Please Close the Window....");
+  finish(start);
 }
 
 }  // namespace lf

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "control/models.hpp"
 #include "sparse/ymatrix.hpp"
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
@@ -13,6 +14,20 @@ namespace lf {
 int32_t internal_bus(int32_t reduced) {
   if (reduced < 1 || static_cast<std::size_t>(reduced) > NEW.size()) return 0;
   return NEW[reduced];
+}
+
+void start_models() {
+  UDWORK = 100;
+  if (NU.nud != 0) initlf();
+}
+
+bool run_models(int32_t t) {
+  if (NU.nud == 0) return false;
+  elfud(t);
+  udlpex();
+  if (LFUDOT.UDCHG == 0) return false;
+  fomy12();
+  return true;
 }
 
 void glpos() {
@@ -47,6 +62,11 @@ void glpos() {
       L6.Angle[l] = L5.Angle[g];
     } else if (gt == -1 || gt == -2) {
       lt = gt;
+      L6.V[l] = L5.V[g];
+    } else if (gt == -4 || gt == -6) {
+      // A generator whose voltage a model moves: the load row holds the
+      // bus voltage with it, as for a plain voltage-given generator.
+      lt = -1;
       L6.V[l] = L5.V[g];
     } else if (gt == -3) {
       lt = -3;

@@ -51,6 +51,14 @@ void inivpq();
 void allbpq(int32_t k, int32_t n, const Arr<double>& e, const Arr<double>& f, Arr<double>& ir,
             Arr<double>& ii, Arr<double>& pc, Arr<double>& qc);
 
+// The user-defined models at the start of a method's pass: UDWORK back to
+// 100 and, when there are models, their initial outputs and start-up pass.
+void start_models();
+// The models' evaluation at the start of iteration t, with the recording of
+// their requests.  True when a model changed a branch; Y has then been
+// formed anew, and the caller refreshes what it built from Y.
+bool run_models(int32_t t);
+
 // Right-justifies a bus name in 20 columns.
 void addspace(const BusName& in, BusName& out);
 

@@ -12,6 +12,7 @@
 
 #include "control/dcline.hpp"
 #include "methods/newton_frame.hpp"
+#include "store/lfudot.hpp"
 
 namespace lf {
 
@@ -99,9 +100,11 @@ void correction_test(Form form, int32_t& status) {
     int32_t t = 0;
     double mu = 1;
     inivpq();
+    start_models();
     w.angles_due = false;
     save_buses(w, before);
     for (;;) {
+      run_models(t);
       if (LFINF.ndcline != 0) dctran();
       form_system(form, w);
       if (const int32_t at = nonfinite_at(w.n, w.D1, w.D2))
@@ -117,6 +120,7 @@ void correction_test(Form form, int32_t& status) {
         continue;
       }
       ++t;
+      UDWORK = dmax;
       pbest = std::min(pbest, dmax);
       if (t > LFINF.iteration) break;
       if (form == Form::Optimum) mu = optimum_factor(w);

@@ -7,6 +7,7 @@
 #include "methods/newton.hpp"
 #include "methods/newton_frame.hpp"
 #include "methods/pqdecp.hpp"
+#include "store/lfudot.hpp"
 
 namespace lf {
 
@@ -33,7 +34,9 @@ void newtonp(int32_t& status) {
     print_heading("Newton Method Iterative Process", 31, "      T         BUS.          MAX(DP,DQ)",
                   false);
     int32_t t = 0;
+    start_models();
     for (;;) {
+      run_models(t);
       if (LFINF.ndcline != 0) dctran();
       allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
       power_mismatch(w);
@@ -46,6 +49,7 @@ void newtonp(int32_t& status) {
         continue;
       }
       ++t;
+      UDWORK = dmax;
       if (t > LFINF.iteration) break;
       formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
       factorise(w, !firstdone);

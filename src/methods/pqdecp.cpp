@@ -13,6 +13,7 @@
 #include "methods/limit.hpp"
 #include "sparse/symfactor.hpp"
 #include "sparse/ymatrix.hpp"
+#include "store/lfudot.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
 
@@ -175,8 +176,15 @@ void pqdecp(int32_t& status, bool& finite) {
     heading();
     int32_t t = 0;
     inivpq();
+    start_models();
     before.save(n);
     for (;;) {
+      if (run_models(t)) {  // a model changed a branch: both matrices anew
+        formb1(b1);
+        factorise(b1, f, f.lv1);
+        formb2(b2);
+        factorise(b2, f, f.lv2);
+      }
       if (LFINF.ndcline != 0) dctran();
 
       allbpq(1, n, VPQ.E, VPQ.F, ir, ii, pc, qc);
@@ -222,6 +230,7 @@ void pqdecp(int32_t& status, bool& finite) {
       ++t;
       maxdq = std::max(maxdp, maxdq);
       pbest = std::min(pbest, maxdq);
+      UDWORK = maxdq;
       if (t > LFINF.iteration) break;
     }
     if (convergent == 0) {

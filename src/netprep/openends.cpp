@@ -105,9 +105,14 @@ void insulat() {
       grounded[static_cast<std::size_t>(i)] = grounded[static_cast<std::size_t>(j)] = 1;
     if (i == j) continue;
     ++m;
-    redim(EI, m);
-    redim(EJ, m);
-    redim(state, m);
+    // The edge arrays double when full, so that filling them takes time in
+    // proportion to the edges rather than to their square.
+    if (static_cast<std::size_t>(m) > EI.size()) {
+      const long long room = std::max<long long>(m, 2 * static_cast<long long>(EI.size()));
+      redim(EI, room);
+      redim(EJ, room);
+      redim(state, room);
+    }
     EI[m] = i;
     EJ[m] = j;
     state[m] = 1;

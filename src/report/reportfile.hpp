@@ -1,10 +1,12 @@
 // A report file written line by line.  A report is made anew each time: an
-// old file of the same name goes first.
+// old file of the same name goes first.  Lines are built in place in one
+// buffer, field by field, which goes out in large writes.
 #pragma once
 
 #include <cstdio>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace lf {
 
@@ -20,14 +22,24 @@ class ReportFile {
   ReportFile& operator=(const ReportFile&) = delete;
 
   bool ok() const { return f_ != nullptr; }
-  void put(const std::string& line);
+  // A whole line.
+  void put(std::string_view line);
+  // Fields of the line being built, each closed by a comma, and text as it stands.
+  void ints(std::initializer_list<long long> v, int w);       // Iw,
+  void reals(std::initializer_list<double> v, int w, int d);  // Fw.d,
+  void text(std::string_view s) { buf_ += s; }
+  // Ends the line being built.
+  void end_line();
 
  private:
   std::FILE* f_ = nullptr;
+  std::string buf_;  // lines not yet written
 };
 
 // Fields of a report line: each one closed by a comma.
-std::string csv_i(std::initializer_list<long long> v, int w);      // Iw,
-std::string csv_f(std::initializer_list<double> v, int w, int d);  // Fw.d,
+void add_i(std::string& out, std::initializer_list<long long> v, int w);      // Iw,
+void add_f(std::string& out, std::initializer_list<double> v, int w, int d);  // Fw.d,
+std::string csv_i(std::initializer_list<long long> v, int w);
+std::string csv_f(std::initializer_list<double> v, int w, int d);
 
 }  // namespace lf

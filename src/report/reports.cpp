@@ -1,5 +1,6 @@
 #include "report/reports.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -63,6 +64,7 @@ EndCurrents end_currents(int32_t i, int32_t j, double R, double X, double B, dou
 class BranchIndex {
  public:
   BranchIndex() {
+    first_.reserve(static_cast<std::size_t>(std::max(NO.nbranch, 0)));
     for (int32_t k = NO.nbranch; k >= 1; --k)
       first_[key(IJB.No[k], NNTOON[IJB.I[k]], NNTOON[IJB.J[k]])] = k;
   }
@@ -144,7 +146,9 @@ void write_lpd(const CaseName& casename) {
     const std::string tail =
         csv_f({VPQ.V[i], VPQ.TH[i] * kRadToDeg}, 15, 10) + "'" + L1.busname[NNTOON[k]].str() + "',";
     const auto line = [&](int32_t b, int32_t n) {
-      out.put(csv_i({NNTOON[k], k, IJB.No[b], n}, 6) + tail);
+      out.ints({NNTOON[k], k, IJB.No[b], n}, 6);
+      out.text(tail);
+      out.end_line();
     };
     const int32_t r = LFINF.nload > 0 ? first_load[s] : 0;
     const int32_t n = r > 0 ? L6.No[r] : 0;
@@ -240,27 +244,30 @@ void wlp1(int32_t convergent, const CaseName& casename) {
       if (i == 0) continue;
       double angle = VPQ.TH[i] * kRadToDeg;
       if (std::fabs(angle) > 360.0) angle -= std::trunc(angle / 360.0) * 360.0;
-      out.put(csv_i({k}, 4) + csv_f({VPQ.V[i], angle}, 15, 10));
+      out.ints({k}, 4);
+      out.reals({VPQ.V[i], angle}, 15, 10);
+      out.end_line();
     }
   }
   write_lpd(casename);
 }
 
-void wlp2(const CaseName& casename) {
+namespace {
+
+void write_lp2(const CaseName& casename, const BranchIndex& index) {
   ReportFile out(casename.trimmed() + ".LP2");
-  const BranchIndex index;
   double pij, qij, pji, qji, ci, cj;
   for (int32_t r = 1; r <= LFINF.nacline; ++r) {
     row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
-    out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
-            csv_f({pij, qij, 0.0 - pji, 0.0 - qji, ci, cj}, 10, 5));
+    out.ints({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6);
+    out.reals({pij, qij, 0.0 - pji, 0.0 - qji, ci, cj}, 10, 5);
+    out.end_line();
   }
 }
 
-void wlp3(const CaseName& casename) {
+void write_lp3(const CaseName& casename, const BranchIndex& index) {
   ReportFile out(casename.trimmed() + ".LP3");
   LFUDOT.grow(static_cast<std::size_t>(NO.nnode));
-  const BranchIndex index;
   double pij, qij, pji, qji, ci, cj;
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const int32_t r = LFINF.nacline + t;
@@ -281,9 +288,20 @@ void wlp3(const CaseName& casename) {
       pij += pm;
       qij += qm;
     }
-    out.put(csv_i({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6) +
-            csv_f({pij, qij, pb, qb, pm, qm}, 10, 5));
+    out.ints({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6);
+    out.reals({pij, qij, pb, qb, pm, qm}, 10, 5);
+    out.end_line();
   }
+}
+
+}  // namespace
+
+void wlp2(const CaseName& casename) {
+  write_lp2(casename, BranchIndex());
+}
+
+void wlp3(const CaseName& casename) {
+  write_lp3(casename, BranchIndex());
 }
 
 void unit_output(int32_t r, double pg, double qg, double& p, double& q) {
@@ -312,9 +330,11 @@ void wlp5(const CaseName& casename) {
     // The row number as read also serves as a row of the merged generators here.
     if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == 0)
       slack_row(L5.ibs[r], VPQ.PG[i], VPQ.QG[i]);
-    std::string line(1, ' ');
-    line += csv_i({b}, 4) + csv_f({p, q}, 20, 10) + csv_i({L5OLD.merged[r]}, 6);
-    out.put(line);
+    out.text(" ");
+    out.ints({b}, 4);
+    out.reals({p, q}, 20, 10);
+    out.ints({L5OLD.merged[r]}, 6);
+    out.end_line();
   }
 }
 
@@ -346,12 +366,16 @@ void wlp6(const CaseName& casename) {
             p = L6PP.P[q];
             qq = L6PP.Q[q];
           }
-          out.put(csv_i({NNTOON[L6PP.ibs[q]], L6PP.No[q]}, 4) + csv_f({p, qq}, 20, 10));
+          out.ints({NNTOON[L6PP.ibs[q]], L6PP.No[q]}, 4);
+          out.reals({p, qq}, 20, 10);
+          out.end_line();
         }
         continue;
       }
     }
-    out.put(csv_i({NNTOON[b], L6.No[r]}, 4) + csv_f({VPQ.PL[i], VPQ.QL[i]}, 20, 10));
+    out.ints({NNTOON[b], L6.No[r]}, 4);
+    out.reals({VPQ.PL[i], VPQ.QL[i]}, 20, 10);
+    out.end_line();
   }
 }
 
@@ -363,7 +387,9 @@ void wlp7(const CaseName& casename) {
         no >= 1 && static_cast<std::size_t>(no) <= AREA.PACT.size() ? AREA.PACT[no] : 0;
     // An area whose regulating generator was not found shows 0 for its output.
     const int32_t g = regulating_generator(a);
-    out.put(csv_i({no}, 4) + csv_f({pact, g > 0 ? L5.P[g] : 0.0}, 15, 8));
+    out.ints({no}, 4);
+    out.reals({pact, g > 0 ? L5.P[g] : 0.0}, 15, 8);
+    out.end_line();
   }
 }
 
@@ -372,8 +398,12 @@ void wtlf(int32_t convergent, const CaseName& casename) {
   slack_head();
   if (NU.nud > 0) dwirii();
   if (NO.nnode != 0) wlp1(convergent, casename);
-  if (LFINF.nacline != 0) wlp2(casename);
-  if (LFINF.ntrans != 0) wlp3(casename);
+  if (LFINF.nacline != 0 || LFINF.ntrans != 0) {
+    // One index serves both files.
+    const BranchIndex index;
+    if (LFINF.nacline != 0) write_lp2(casename, index);
+    if (LFINF.ntrans != 0) write_lp3(casename, index);
+  }
   if (LFINF.ndcline != 0) {
     nwlp4(casename);
     wlp4_new(casename);

@@ -10,6 +10,17 @@
 
 namespace lf {
 
+RTDBFAILRec RTDBFAIL;
+
+void fail(const TablePass& p, const std::string& what) {
+  if (RTDBFAIL.text.empty()) RTDBFAIL.text = "table " + p.table + ": " + what;
+}
+
+void fail_row(const TablePass& p, const std::string& what) {
+  if (RTDBFAIL.text.empty())
+    RTDBFAIL.text = "table " + p.table + " record " + std::to_string(p.row) + ": " + what;
+}
+
 // These messages go to the process's standard output as a plain printed
 // line (a blank, then the items), not to the engine's output channels.
 void say_bind_failed(const char* message, Say where) {
@@ -19,8 +30,30 @@ void say_bind_failed(const char* message, Say where) {
     std::printf(" %s\n", message);
 }
 
-void check_fetch(int count, const char* message, int min_count) {
-  if (message && count < min_count) std::printf(" %s%s\n", message, fmt_i(count, 12).c_str());
+void check_fetch(const TablePass& p, const char* message, int min_count) {
+  const bool said = message && p.count < min_count;
+  if (said) std::printf(" %s%s\n", message, fmt_i(p.count, 12).c_str());
+  if (p.count < 0) fail(p, "cli_fetch failed with code " + std::to_string(p.count));
+}
+
+bool next_row(TablePass& p) {
+  const int rc = cli_get_next(p.stmt);
+  if (rc == cli_ok) ++p.row;
+  if (rc != cli_ok && rc != cli_not_found)
+    fail(p, "cli_get_next failed with code " + std::to_string(rc));
+  return rc == cli_ok;
+}
+
+void update_row(const TablePass& p) {
+  if (int rc = cli_update(p.stmt); rc != cli_ok)
+    fail(p, "cli_update failed with code " + std::to_string(rc));
+}
+
+bool in_range(const TablePass& p, const char* what, int32_t value, int32_t top) {
+  if (value >= 1 && value <= top) return true;
+  fail_row(
+      p, std::string(what) + " " + std::to_string(value) + " is not in 1.." + std::to_string(top));
+  return false;
 }
 
 bool read_int(const char* text, int width, int32_t& value) {
@@ -38,9 +71,15 @@ bool read_int(const char* text, int width, int32_t& value) {
   return true;
 }
 
-void close_pass(const TablePass& p, bool writing) {
+std::string table_of(const std::string& statement) {
+  std::size_t from = statement.find(" from ");
+  if (from == std::string::npos) return statement;
+  std::size_t b = from + 6, e = statement.find(' ', b);
+  return statement.substr(b, e == std::string::npos ? std::string::npos : e - b);
+}
+
+void close_pass(const TablePass& p) {
   cli_free(p.stmt);
-  if (writing) cli_precommit(RTDBLSCMN.session);
 }
 
 }  // namespace lf

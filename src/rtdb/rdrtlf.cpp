@@ -93,8 +93,8 @@ void rdrtlfctrl() {
     // A magnetising branch switch once on stays on.
     if (RMXMVALID == 0 && c.ctrl_rmxm == 1) RMXMVALID = 1;
   }
-  close_pass(pc, false);
-  close_pass(pg, false);
+  close_pass(pc);
+  close_pass(pg);
 }
 
 void rdrtbus() {
@@ -103,18 +103,18 @@ void rdrtbus() {
                            cli_view_only, "RDkv: cli_fetch failed with code", 1);
   std::vector<kv_row> levels;  // by ikv, from 0
   levels.reserve(static_cast<std::size_t>(std::max(pk.count, 0)));
-  while (cli_get_next(pk.stmt) == cli_ok) {
+  while (next_row(pk)) {
     strc2f(k.dv, kTextWidth);
     levels.push_back(k);
   }
-  close_pass(pk, false);
+  close_pass(pk);
 
   bs_row b;
   TablePass pb = open_pass("select * from bs order by id", b, bindbs, "Bindbs failed!", Say::Print,
                            cli_view_only, "RDbs: cli_fetch failed with code", 1);
-  cli_get_first(pb.stmt);  // the placeholder row, never a bus
+  if (cli_get_first(pb.stmt) == cli_ok) pb.row = 1;  // the placeholder row, never a bus
   int32_t i = 0, dead = 0;
-  while (cli_get_next(pb.stmt) == cli_ok) {
+  while (next_row(pb)) {
     ++i;
     if (static_cast<std::size_t>(i) > L1.busname.size())
       grow_buses(2 * static_cast<std::size_t>(i));
@@ -126,10 +126,13 @@ void rdrtbus() {
       strc2f(b.name, kTextWidth);
       L1.busname[i] = std::string_view(b.name, BusName::size());
       kv_row level;
-      if (b.ikv >= 0 && static_cast<std::size_t>(b.ikv) < levels.size())
+      if (b.ikv >= 0 && static_cast<std::size_t>(b.ikv) < levels.size()) {
         level = levels[static_cast<std::size_t>(b.ikv)];
-      else
+      } else {
         reset(level);
+        fail_row(pb, "kv row index " + std::to_string(b.ikv) + " names none of the " +
+                         std::to_string(levels.size()) + " kv rows");
+      }
       LL1.basekv[i] = level.vbase;
       read_int(level.dv, kTextWidth, LL1.busarea[i]);
       double base = LL1.basekv[i] == 0 ? 1.0 : LL1.basekv[i];
@@ -139,7 +142,7 @@ void rdrtbus() {
     repair_bus_limits(i);
   }
   LFINF.nbus = i;
-  close_pass(pb, false);
+  close_pass(pb);
 }
 
 namespace {
@@ -184,8 +187,7 @@ void rdrtactrs() {
   TablePass pl = open_pass("select * from ln", l, bindln, "Bindln failed!", Say::Print,
                            cli_view_only, "Rdln: cli_fetch failed with code", 0);
   LFINF.nacline = walk_kept(pl, l, [&](int32_t n) {
-    check_bus(l.ibs, "table ln", n);
-    check_bus(l.zbs, "table ln", n);
+    if (!bus_ok(pl, l.ibs) || !bus_ok(pl, l.zbs)) return;
     int32_t mark = (l.q & 2) ? 3 : (l.q & 1) ? 2 : 1;
     store_branch(n, l.ibs, l.zbs, l.lnno, mark);
     store_line_ends(n);
@@ -194,7 +196,7 @@ void rdrtactrs() {
     read_int(l.dv, kTextWidth, IJB.LOSSAREA[n]);
     store_control(n, l.mode_ctrl, l.par_group, l.ibs_ctrl, l.line_ctrl, l.value_ctrl);
   });
-  close_pass(pl, false);
+  close_pass(pl);
 
   cp_row c;
   TablePass pc = open_pass("select * from cp", c, bindcp, "Bindcp failed!", Say::Print,
@@ -202,14 +204,14 @@ void rdrtactrs() {
   const int32_t lines = LFINF.nacline;
   LFINF.nacline += walk_kept(pc, c, [&](int32_t k) {
     int32_t n = lines + k;
-    check_bus(c.ibs, "table cp", k);
+    if (!bus_ok(pc, c.ibs)) return;
     store_branch(n, c.ibs, c.ibs, c.cpno, 1);
     store_line_ends(n);
     store_rx(n, c.r1, c.x1, 0.0, 1.0);
     IJB.LOSSAREA[n] = 0;
     store_control(n, c.mode_ctrl, c.par_no, c.ibs_ctrl, c.line_ctrl, c.value_ctrl);
   });
-  close_pass(pc, false);
+  close_pass(pc);
 
   // A transformer's ends and magnetising branch go to L3P and L3PP at its
   // own index t, but its angle to L3P at the branch index n; its loss area
@@ -219,8 +221,7 @@ void rdrtactrs() {
                            cli_view_only, "RDxf: cli_fetch failed with code", 0);
   LFINF.ntrans = walk_kept(px, x, [&](int32_t t) {
     int32_t n = LFINF.nacline + t;
-    check_bus(x.ibs, "table xf", t);
-    check_bus(x.zbs, "table xf", t);
+    if (!bus_ok(px, x.ibs) || !bus_ok(px, x.zbs)) return;
     store_branch(n, x.ibs, x.zbs, x.xfno, 1);
     L3P.I[t] = x.ibs;
     L3P.J[t] = x.zbs;
@@ -230,8 +231,14 @@ void rdrtactrs() {
     store_rx(n, x.r1, x.x1, 0.0, x.tk);
     L3P.ang_shift[n] = x.ang_shift;
     store_control(n, x.mode_ctrl, x.par_no, x.ibs_ctrl, x.line_ctrl, x.value_ctrl);
+    // The standard models of a transformer are made from its own record.
+    L3P.mode_ctrl[t] = x.mode_ctrl;
+    L3P.par_group[t] = x.par_no;
+    L3P.ibs_ctrl[t] = x.ibs_ctrl;
+    L3P.line_ctrl[t] = x.line_ctrl;
+    L3P.value_ctrl[t] = x.value_ctrl;
   });
-  close_pass(px, false);
+  close_pass(px);
 }
 
 void rdrtdc() {
@@ -239,8 +246,7 @@ void rdrtdc() {
   TablePass p = open_pass("select * from dln", d, binddln, "Binddln failed!", Say::Print,
                           cli_view_only, "Rddln: cli_fetch failed with code", 0);
   LFINF.ndcline = walk_kept(p, d, [&](int32_t m) {
-    check_bus(d.ibs, "table dln", m);
-    check_bus(d.zbs, "table dln", m);
+    if (!bus_ok(p, d.ibs) || !bus_ok(p, d.zbs)) return;
     NL4.grow(static_cast<std::size_t>(m));
     NL4.I[m] = d.ibs;
     NL4.J[m] = d.zbs;
@@ -292,7 +298,7 @@ void rdrtdc() {
     NL4.vtjmin_kv[m] = d.vtjmin_kv;
     NL4.j_tap[m] = d.j_tap;
   });
-  close_pass(p, false);
+  close_pass(p);
 }
 
 void rdrtgen() {
@@ -300,13 +306,13 @@ void rdrtgen() {
   TablePass p = open_pass("select * from un", u, bindun, "Bindun failed!", Say::Print,
                           cli_view_only, "Rdun: cli_fetch failed with code", 0);
   LFINF.ngenerat = walk_kept(p, u, [&](int32_t g) {
-    check_bus(u.ibs, "table un", g);
+    if (!bus_ok(p, u.ibs)) return;
     if (static_cast<std::size_t>(g) > L5.P.size()) grow_generators(2 * static_cast<std::size_t>(g));
     store_setpoint(L5, g, u);
     L5.merged[g] = 0;
     store_limits(L5P, g, u);
   });
-  close_pass(p, false);
+  close_pass(p);
 }
 
 void rdrtload() {
@@ -314,13 +320,13 @@ void rdrtload() {
   TablePass p = open_pass("select * from ld", l, bindld, "Bindld failed!", Say::Print,
                           cli_view_only, "Rdld: cli_fetch failed with code", 0);
   LFINF.nload = walk_kept(p, l, [&](int32_t d) {
-    check_bus(l.ibs, "table ld", d);
+    if (!bus_ok(p, l.ibs)) return;
     if (static_cast<std::size_t>(d) > L6.P.size()) grow_loads(2 * static_cast<std::size_t>(d));
     store_setpoint(L6, d, l);
     L6.No[d] = l.ldno;
     store_limits(L6P, d, l);
   });
-  close_pass(p, false);
+  close_pass(p);
   set_loadshare();
 }
 
@@ -329,7 +335,7 @@ void rdrtl10() {
   TablePass p = open_pass("select * from fact_gl", f, bindfact_gl, "Bindfact_gl failed!",
                           Say::Print, cli_view_only, "Rdfact_gl: cli_fetch failed with code", 0);
   int32_t k = 0;
-  while (cli_get_next(p.stmt) == cli_ok) {
+  while (next_row(p)) {
     if (f.valid != 1) continue;
     ++k;
     L10.grow(static_cast<std::size_t>(k));
@@ -342,7 +348,7 @@ void rdrtl10() {
     L10.name1[k] = "";
     L10.name2[k] = "";
   }
-  close_pass(p, false);
+  close_pass(p);
   LF93.ctrl_fact = k;
 }
 
@@ -351,15 +357,12 @@ void rdrtloadpar() {
   TablePass p = open_pass("select * from load_lib order by par_no", l, bindload_lib,
                           "Bindload_lib failed!", Say::Wstring, cli_view_only, nullptr, 0);
   LFINF.nloadpar = p.count;
-  // The set number comes from the row and indexes ABCLC: the library may
-  // number its sets up to its capacity or its row count, whichever is more.
+  // The set number comes from the row and indexes ABCLC: a library may number
+  // its sets up to its capacity or its row count, whichever is more.  A
+  // number below 1 names no set.
   const int32_t top = std::max(static_cast<int32_t>(kCapLoadPar), p.count);
-  int32_t row = 0;
-  while (cli_get_next(p.stmt) == cli_ok) {
-    ++row;
-    // A number below 1 names no set.
-    if (l.par_no >= 1) {
-      check_range(l.par_no, top, "parameter set number", "table load_lib", row);
+  while (next_row(p)) {
+    if (l.par_no >= 1 && in_range(p, "parameter set number", l.par_no, top)) {
       ABCLC.grow(static_cast<std::size_t>(l.par_no));
       ABCLC.ap[l.par_no] = l.ap;
       ABCLC.bp[l.par_no] = l.bp;
@@ -370,28 +373,42 @@ void rdrtloadpar() {
     }
     LFINF.nloadpar = l.par_no;
   }
-  close_pass(p, false);
+  close_pass(p);
 }
 
+namespace {
+
+bool read_ok() {
+  return RTDBFAIL.text.empty();
+}
+
+}  // namespace
+
+// The reading stops at the first table that fails; the driver then stops
+// the calculation.  The reading transaction ends here, so that no lock of
+// this session keeps other writers waiting while the case is solved.
 void rdrtlf() {
   if (RTDBLSCMN.rtdbmode == 0) return;
+  RTDBFAIL = {};
+  NU.nl9 = 0;  // model rows come from a case file only, never from the database
   rdrtlfctrl();
   clamp_counts();
-  if (LFINF.nbus > 0) rdrtbus();
-  if (LFINF.nacline + LFINF.ntrans > 0) rdrtactrs();
-  if (LFINF.ndcline > 0) rdrtdc();
-  if (LFINF.ngenerat > 0) rdrtgen();
-  if (LFINF.nload > 0) rdrtload();
-  if (LF93.ctrl_fact > 0) {
+  if (read_ok() && LFINF.nbus > 0) rdrtbus();
+  if (read_ok() && LFINF.nacline + LFINF.ntrans > 0) rdrtactrs();
+  if (read_ok() && LFINF.ndcline > 0) rdrtdc();
+  if (read_ok() && LFINF.ngenerat > 0) rdrtgen();
+  if (read_ok() && LFINF.nload > 0) rdrtload();
+  if (read_ok() && LF93.ctrl_fact > 0) {
     rdrtl10();
-    if (LF93.ctrl_fact > 0) chpq();
+    if (read_ok() && LF93.ctrl_fact > 0) chpq();
   }
   int32_t flag = 0;
-  if (LFINF.nload > 0) isrlib(flag);
-  if (flag > 0) rdrtloadpar();
-  if (LFINF.nload > 0) check_load_types("table ld");
+  if (read_ok() && LFINF.nload > 0) isrlib(flag);
+  if (read_ok() && flag > 0) rdrtloadpar();
+  if (read_ok() && LFINF.nload > 0) check_load_types("table ld");
   NO.nbranch = LFINF.nacline + LFINF.ntrans;
   NO.ndc = LFINF.ndcline;
+  cli_precommit(RTDBLSCMN.session);
 }
 
 }  // namespace lf

@@ -2,16 +2,18 @@
 // Rows are mapped to the solver's internal nodes through NEW and to the
 // branch list through a search on their ends and circuit number; only the
 // result columns change, every other column is written back as it was read.
-// Each table is fetched for update and gives up its lock when done; one
-// commit at the end makes the whole pass durable.
+// All tables are written in one transaction: one commit at the end makes
+// the whole pass durable, and a table that fails rolls all of it back.
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <map>
+#include <string>
 #include <tuple>
 
 #include "control/dcline.hpp"
+#include "io/channels.hpp"
 #include "report/reports.hpp"
 #include "rtdb/pass.hpp"
 #include "rtdb/rtdb.hpp"
@@ -79,6 +81,14 @@ Flows flows_of(int32_t k) {
   return f;
 }
 
+// Row k of a pass has a row of the case as read (there are n); a table that
+// has gained rows since the case was read is a failure.
+bool row_read(const TablePass& p, int32_t k, int32_t n) {
+  if (k <= n) return true;
+  fail_row(p, "not there when the case was read");
+  return false;
+}
+
 // A text column: the text, a NUL and blanks up to the field's width.
 void put_text(char* field, const char* text) {
   std::memset(field, ' ', kTextWidth);
@@ -95,7 +105,7 @@ void wtrtbus() {
                            cli_for_update, "Wribs: cli_fetch failed with code", 1);
   cli_get_first(pb.stmt);  // the placeholder row, never a bus
   int32_t i = 0;
-  while (cli_get_next(pb.stmt) == cli_ok) {
+  while (next_row(pb)) {
     ++i;
     int32_t n = node(i);
     if (b.iisland < 0 || n == 0) continue;
@@ -103,21 +113,21 @@ void wtrtbus() {
     b.adeg = VPQ.TH[n] * kRadToDeg;
     b.e = VPQ.E[n];
     b.f = VPQ.F[n];
-    cli_update(pb.stmt);
+    update_row(pb);
   }
-  close_pass(pb, true);
+  close_pass(pb);
 
   bus_row u;
   TablePass pu = open_pass("select * from bus", u, bindbus, "Bindbus failed!", Say::Print,
                            cli_for_update, "Wbus: cli_fetch failed with code", 1);
-  while (cli_get_next(pu.stmt) == cli_ok) {
+  while (next_row(pu)) {
     int32_t n = u.ibs > 0 ? node(u.ibs) : 0;
     if (n == 0) continue;
     u.v = VPQ.V[n];
     u.adeg = VPQ.TH[n] * kRadToDeg;
-    cli_update(pu.stmt);
+    update_row(pu);
   }
-  close_pass(pu, true);
+  close_pass(pu);
 }
 
 void wtrtac() {
@@ -138,9 +148,9 @@ void wtrtac() {
     l.rcz = f.cj;
     l.i = f.ii;
     l.iz = -f.ij;
-    cli_update(pl.stmt);
+    update_row(pl);
   });
-  close_pass(pl, true);
+  close_pass(pl);
 
   cp_row c;
   TablePass pc = open_pass("select * from cp", c, bindcp, "Bindcp failed!", Say::Print,
@@ -150,9 +160,9 @@ void wtrtac() {
     c.w = f.pij;
     c.r = f.qij;
     c.i = f.ii;
-    cli_update(pc.stmt);
+    update_row(pc);
   });
-  close_pass(pc, true);
+  close_pass(pc);
 }
 
 void wtrttrs() {
@@ -161,6 +171,7 @@ void wtrttrs() {
   TablePass p = open_pass("select * from xf", x, bindxf, "Bindxf failed!", Say::Print,
                           cli_for_update, "Wxf: cli_fetch failed with code", 0);
   walk_kept(p, x, [&](int32_t t) {
+    if (!row_read(p, t, LFINF.ntrans)) return;
     Flows f = flows_of(index.find(x.ibs, x.zbs, x.xfno));
     int32_t ni = node(x.ibs), nj = node(x.zbs);
     // A transformer under a user-defined model carries the model's output
@@ -187,9 +198,9 @@ void wtrttrs() {
     x.rz = -f.qji;
     x.pm = pm;
     x.qm = qm;
-    cli_update(p.stmt);
+    update_row(p);
   });
-  close_pass(p, true);
+  close_pass(p);
 }
 
 void wtrtdc() {
@@ -197,7 +208,7 @@ void wtrtdc() {
   TablePass p = open_pass("select * from dln", d, binddln, "Binddln failed!", Say::Print,
                           cli_for_update, "Wdln: cli_fetch failed with code", 0);
   walk_kept(p, d, [&](int32_t m) {
-    if (m > LFINF.ndcline) return;  // a row beyond the lines that were read
+    if (!row_read(p, m, LFINF.ndcline)) return;
     // The operating point, the base values and the fixed per-unit values.
     d.id10 = DCLFOP.id10[m];
     d.id20 = DCLFOP.id20[m];
@@ -270,9 +281,9 @@ void wtrtdc() {
     d.wz = d.pd1j + d.pd2j;
     d.rz = d.qd1j + d.qd2j;
     d.i = d.iz = d.id10 + d.id20;
-    cli_update(p.stmt);
+    update_row(p);
   });
-  close_pass(p, true);
+  close_pass(p);
 }
 
 void wtrtgen() {
@@ -280,15 +291,16 @@ void wtrtgen() {
   TablePass p = open_pass("select * from un", u, bindun, "Bindun failed!", Say::Print,
                           cli_for_update, "Wun: cli_fetch failed with code", 0);
   walk_kept(p, u, [&](int32_t g) {
+    if (!row_read(p, g, L5OLD.ngenold)) return;
     int32_t n = node(u.ibs);
     if (n == 0) return;
     double pg, qg;
     unit_output(g, VPQ.PG[n], VPQ.QG[n], pg, qg);
     u.w = pg;
     u.r = qg;
-    cli_update(p.stmt);
+    update_row(p);
   });
-  close_pass(p, true);
+  close_pass(p);
 }
 
 void wtrtload() {
@@ -296,6 +308,7 @@ void wtrtload() {
   TablePass p = open_pass("select * from ld", l, bindld, "Bindld failed!", Say::Print,
                           cli_for_update, "Wld: cli_fetch failed with code", 0);
   walk_kept(p, l, [&](int32_t d) {
+    if (LF93.loadshare != 0 && !row_read(p, d, L6PP.nloadold)) return;
     int32_t n = node(l.ibs);
     if (n == 0) return;
     double pl = VPQ.PL[n], ql = VPQ.QL[n];
@@ -334,9 +347,9 @@ void wtrtload() {
         l.r = std::fabs(pl) >= kSmallP ? L6PP.P[d] * ql / pl : ql / rest;
       }
     }
-    cli_update(p.stmt);
+    update_row(p);
   });
-  close_pass(p, true);
+  close_pass(p);
 }
 
 void wtrtlfctrl(int32_t& converged) {
@@ -359,24 +372,35 @@ void wtrtlfctrl(int32_t& converged) {
     put_text(c.cal_date, text);
     std::strftime(text, sizeof text, "%H:%M:%S", &local);
     put_text(c.cal_time, text);
-    cli_update(p.stmt);
+    update_row(p);
   }
-  close_pass(p, true);
+  close_pass(p);
 }
 
+// The tables are written one after the other until one fails; then the
+// whole pass is rolled back, the failure is printed and the calculation
+// counts as a failed one, since its results are nowhere.
 void wtrtlf(int32_t& converged) {
   if (RTDBLSCMN.rtdbmode == 0) return;
+  RTDBFAIL = {};
   prnslackbuspq();
   if (NU.nud > 0) dwirii();
-  if (NO.nnode != 0) wtrtbus();
-  if (LFINF.nacline != 0) wtrtac();
-  if (LFINF.ntrans != 0) wtrttrs();
-  if (LFINF.ndcline != 0) wtrtdc();
-  if (LFINF.ngenerat != 0) wtrtgen();
-  if (LFINF.nload != 0) wtrtload();
-  if (LFINF.ctrl_area != 0 && LFINF.narea != 0) wlp7(casename);
-  wtrtlfctrl(converged);
-  cli_commit(RTDBLSCMN.session);
+  const auto ok = [] { return RTDBFAIL.text.empty(); };
+  if (ok() && NO.nnode != 0) wtrtbus();
+  if (ok() && LFINF.nacline != 0) wtrtac();
+  if (ok() && LFINF.ntrans != 0) wtrttrs();
+  if (ok() && LFINF.ndcline != 0) wtrtdc();
+  if (ok() && LFINF.ngenerat != 0) wtrtgen();
+  if (ok() && LFINF.nload != 0) wtrtload();
+  if (ok() && LFINF.ctrl_area != 0 && LFINF.narea != 0) wlp7(casename);
+  if (ok()) wtrtlfctrl(converged);
+  if (int rc = ok() ? cli_commit(RTDBLSCMN.session) : cli_ok; rc != cli_ok)
+    RTDBFAIL.text = "cli_commit failed with code " + std::to_string(rc);
+  if (ok()) return;
+  cli_abort(RTDBLSCMN.session);
+  wstring("Results not written: the database is left as it was");
+  wstring(" " + RTDBFAIL.text);
+  converged = 0;
 }
 
 }  // namespace lf

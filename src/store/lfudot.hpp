@@ -1,6 +1,8 @@
 // What the user-defined models give back to the network: extra injections
 // per internal bus, added to the mismatches by the methods and taken out of
-// the node results again for the reports.
+// the node results again for the reports, and the results of one evaluation
+// before they are applied.  Written by the evaluation of the models (dwout,
+// fmlfot, iniout); the injections are read by the methods and the reports.
 #pragma once
 
 #include <cstddef>
@@ -15,10 +17,20 @@ struct LFUDOTRec {
   Arr<double> UDQINJ;  // extra reactive injection
   Arr<double> UDGINJ;  // real part of an extra current injection
   Arr<double> UDBINJ;  // imaginary part of an extra current injection
-  int32_t UDCHG = 0;   // a model changed a branch parameter in this pass
+  // One element a result of the pass, numbered in the order of the output
+  // bindings (sized to the larger of the node and the result count).
+  Arr<double> UDOVAL;             // value of the result
+  Arr<int32_t> UDOTYP;            // output code 1-200, 0 for none
+  Arr<int32_t> UDOLOC1, UDOLOC2;  // location: external bus, or line number and side
+  int32_t UDCHG = 0;              // a model changed a branch parameter in this pass
   void grow(std::size_t n);
 };
 
 extern LFUDOTRec LFUDOT;
+
+// The present largest power mismatch, per unit: 100 before a method's first
+// iteration, then updated by the method once an iteration.  Models read it
+// with input code 23.
+extern double UDWORK;
 
 }  // namespace lf

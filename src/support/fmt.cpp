@@ -45,7 +45,7 @@ bool not_finite(std::string& out, double v, int w) {
 // huge, d <= 19 and the result fits in 64 bits: v = m * 2^e exactly, so
 // m * 10^d fits in 128 bits and the bits shifted out decide the rounding.
 bool scaled_round(double v, int d, uint64_t& q) {
-  constexpr auto kPow10 = [] {
+  static constexpr auto kPow10 = [] {
     std::array<uint64_t, 20> t{};
     uint64_t p = 1;
     for (uint64_t& x : t) {
@@ -82,7 +82,8 @@ void put_f(std::string& out, double v, int w, int d) {
   uint64_t q;
   if (scaled_round(v, d, q)) {
     // The digits of q with the point d places from the right; a lone zero
-    // in front of the point goes when the field is too narrow for it.
+    // in front of the point goes when the field is too narrow for it.  The
+    // field is made in place.
     char digits[20];
     const int nq = static_cast<int>(std::to_chars(digits, digits + sizeof digits, q).ptr - digits);
     const bool neg = std::signbit(v), zero_int = q == 0 || nq <= d;
@@ -94,18 +95,24 @@ void put_f(std::string& out, double v, int w, int d) {
       out.append(static_cast<std::size_t>(std::max(w, 0)), '*');
       return;
     }
-    out.append(static_cast<std::size_t>(w - len), ' ');
-    if (neg) out += '-';
-    if (!zero_int)
-      out.append(digits, static_cast<std::size_t>(int_len));
-    else if (!drop)
-      out += '0';
-    out += '.';
-    if (!zero_int)
-      out.append(digits + int_len, static_cast<std::size_t>(d));
-    else if (d > 0) {
-      out.append(static_cast<std::size_t>(d - nq), '0');
-      out.append(digits, static_cast<std::size_t>(nq));
+    const std::size_t at = out.size();
+    out.resize(at + static_cast<std::size_t>(w));
+    char* f = out.data() + at;
+    std::memset(f, ' ', static_cast<std::size_t>(w - len));
+    f += w - len;
+    if (neg) *f++ = '-';
+    if (!zero_int) {
+      std::memcpy(f, digits, static_cast<std::size_t>(int_len));
+      f += int_len;
+    } else if (!drop) {
+      *f++ = '0';
+    }
+    *f++ = '.';
+    if (!zero_int) {
+      std::memcpy(f, digits + int_len, static_cast<std::size_t>(d));
+    } else if (d > 0) {
+      std::memset(f, '0', static_cast<std::size_t>(d - nq));
+      std::memcpy(f + (d - nq), digits, static_cast<std::size_t>(nq));
     }
     return;
   }
@@ -128,10 +135,17 @@ void put_f(std::string& out, double v, int w, int d) {
 }
 
 void put_i(std::string& out, long long v, int w) {
-  const std::size_t at = out.size();
   char buf[24];
-  out.append(buf, std::to_chars(buf, buf + sizeof buf, v).ptr);
-  justify(out, at, w);
+  const int n = static_cast<int>(std::to_chars(buf, buf + sizeof buf, v).ptr - buf);
+  if (n > w) {
+    out.append(static_cast<std::size_t>(std::max(w, 0)), '*');
+    return;
+  }
+  // The field is made in place.
+  const std::size_t at = out.size();
+  out.resize(at + static_cast<std::size_t>(w));
+  std::memset(out.data() + at, ' ', static_cast<std::size_t>(w - n));
+  std::memcpy(out.data() + at + (w - n), buf, static_cast<std::size_t>(n));
 }
 
 std::string fmt_i(long long v, int w) {

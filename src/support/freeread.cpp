@@ -85,6 +85,20 @@ bool to_int(std::string_view t, int32_t& out) {
 
 bool to_real(std::string_view t, double& out) {
   if (t.empty()) return false;
+  // The common case in one pass: a whole token that converts to a normal
+  // number can only be made of digits, signs, a point and an exponent, and
+  // converts the same in the full way below.
+  {
+    const char* first = t.data();
+    const char* last = first + t.size();
+    if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
+    double v = 0;
+    const auto quick = std::from_chars(first, last, v);
+    if (quick.ec == std::errc() && quick.ptr == last && std::isnormal(v)) {
+      out = v;
+      return true;
+    }
+  }
   // Only digits, signs, a point and an exponent letter make a number; the
   // exponent may be written with D as well as E.
   bool d_exponent = false;
@@ -177,6 +191,28 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       quoted = false;
       null = false;
       repeat = 1;
+      // A plain value, the common case, taken in one scan; a quote, a null
+      // or a star leaves it to the full rules below.
+      std::size_t end = pos;
+      bool plain = c != '\'' && c != '"' && c != ',';
+      if (plain) {
+        while (end < buf.size() && !ends_value(buf[end])) {
+          if (buf[end] == '*') plain = false;
+          ++end;
+        }
+      }
+      if (plain) {
+        value = buf.substr(pos, end - pos);
+        pos = end;
+        while (pos < buf.size() && is_blank(buf[pos])) ++pos;
+        if (pos < buf.size() && buf[pos] == ',') ++pos;
+        --repeat;
+        if (!store(it, value, false)) {
+          bad_text_.assign(value);
+          return false;
+        }
+        continue;
+      }
       // r*value or r*: a repeat count in front of a star.
       std::size_t k = pos;
       while (k < buf.size() && is_digit(buf[k])) ++k;

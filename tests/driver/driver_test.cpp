@@ -118,16 +118,17 @@ TEST_F(Driver, BranchFilesAreRewrittenRowByRowWithTheChangedValues) {
   RXB.R[3] = 0.0025, RXB.X[3] = 0.0625, RXB.B[3] = 3.0, RXB.T[3] = 1.05;
   wrl23(CaseName("CASE"));
   // The first .L2 row has no branch and comes back as it was; the third
-  // lacks fields at the end of the file and is not a row.
+  // lacks fields at the end of the file and is not a row.  The fields behind
+  // those of the case reader are written as zeros.
   EXPECT_EQ(read_file("CASE.L2"),
             "  1,   1,   2,   1,      0.010000,      0.100000,      0.020000, 0, 0, 0,   0,   0,"
             "      0.000000,      0.000000,   0,\n"
             "  1,   2,   3,   1,      0.500000,**************,      0.125000, 1, 2, 3,   4,   5,"
-            "      1.500000,     -2.500000,   6,\n");
+            "      1.500000,      0.000000,   0,\n");
   EXPECT_EQ(read_file("CASE.L3"),
             "  1,  -4,   5,   1,      0.002500,      0.062500,      1.050000,      0.100000,"
-            "      0.200000,  1,  2,  3,  4,   5,   6,      0.300000,      0.400000,      0.500000,"
-            "   7, 8, 9,10,\n");
+            "      0.200000,  1,  2,  3,  4,   5,   6,      0.300000,      0.400000,      0.000000,"
+            "   0, 0, 0, 0,\n");
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ class AreaCase : public testing::Test {
  protected:
   void SetUp() override {
     test::reset_store();
-    test::capture_printing();
+    test::capture_printed();
     LFINF.base_mva = 100;
     LFINF.nacline = 2;
     NO.nbranch = 2;
@@ -80,7 +80,8 @@ TEST_F(AreaCase, OnScheduleWithLossChargedToThirdArea) {
   EXPECT_EQ(L5.P[1], 2.0);
 
   // The areas' own results for the report file.
-  const std::string stem = test::temp_stem();
+  test::ScratchFolder dir;
+  const std::string stem = dir / "C";
   wlp7(CaseName(stem));
   EXPECT_THAT(
       test::file_lines(stem + ".LP7"),
@@ -103,6 +104,9 @@ TEST_F(AreaCase, LossOnFirstAreaAndToleranceBoundary) {
   EXPECT_EQ(run(), 1);
   EXPECT_NEAR(L5.P[1], 2.1, 1e-15);  // moved by the whole difference
   EXPECT_NEAR(L5.P[2], 2.0, 1e-15);
+  // A generator moved exactly onto its limit is within it.
+  LL7.pmax[1] = L5.P[1] + (LL7.p_schedule[1] - AREA.PACT[1]);
+  EXPECT_EQ(run(), 1);
 }
 
 TEST_F(AreaCase, MissingGeneratorAndNegativeOutput) {

@@ -100,7 +100,7 @@ TEST_F(ReadTest, FillsTheStoreFromEveryTable) {
 
 TEST_F(ReadTest, AnEmptyStudyCaseReadsEveryTableWithTheDefaults) {
   sql("INSERT INTO global (base_mva) VALUES (50);"
-      "INSERT INTO bs (id) VALUES (0), (1);"
+      "INSERT INTO bs (id, iisland) VALUES (0, 0), (1, -1);"
       "INSERT INTO un (ibs, mode_ctrl) VALUES (1, -6);"
       "INSERT INTO ld (ibs, w) VALUES (1, 0.5);");
   start();
@@ -120,7 +120,7 @@ TEST_F(ReadTest, AnEmptyStudyCaseReadsEveryTableWithTheDefaults) {
 
 TEST_F(ReadTest, ModelsKeepTheExtendedTypeCodes) {
   sql("INSERT INTO case_lf (ctrl_ud, nbus, ngenerat) VALUES (1, 1, 1);"
-      "INSERT INTO bs (id) VALUES (0), (1);"
+      "INSERT INTO bs (id, iisland) VALUES (0, 0), (1, -1);"
       "INSERT INTO un (ibs, mode_ctrl) VALUES (1, -6);");
   start();
   read();

@@ -54,6 +54,7 @@ class WriteTest : public TestDb {
     L3P.mode_ctrl[1] = 0, L3PP.Rm[1] = 100.0, L3PP.Xm[1] = 50.0;
     L5.ibs[1] = 1, L5.mode_ctrl[1] = 0;
     L5OLD.grow(2);
+    L5OLD.ngenold = 2, L6PP.nloadold = 1;
     L5OLD.share[1] = L5OLD.share[2] = 1.0;
   }
   void set_node(int n, double v, double th) {
@@ -124,6 +125,7 @@ TEST_F(WriteTest, SharesTheNodePowersAmongTheUnitsAndLoadsOfABus) {
   LFINF.ngenerat = 3;
   LFINF.nload = 4;
   L5OLD.grow(3);
+  L5OLD.ngenold = 3;
   L5OLD.share[1] = 0.6, L5OLD.share[3] = 0.4, L5OLD.map[1] = L5OLD.map[3] = 1;
   L5OLD.P[3] = 0.125, L5OLD.Q[3] = 0.0625;
   L5.mode_ctrl[1] = 0;  // the merged unit regulates: shares of the node's output

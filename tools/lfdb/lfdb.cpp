@@ -42,7 +42,8 @@ int usage(const char* problem) {
       "(scaled by .L10 when the case asks for it).  DAT_STEM.DAT gives the static\n"
       "load characteristics when a load needs them; it defaults to DATALIB beside\n"
       "the case.  Area schedules (.L7), switch records (.L13) and model files have\n"
-      "no tables here and stay in files.  An existing DB_FILE is never replaced.\n"
+      "no tables here: database mode solves the case without them, and lfdb warns\n"
+      "when the case has them.  An existing DB_FILE is never replaced.\n"
       "\n"
       "Run the case on the database with: lfrun --db DB_FILE CASE_STEM\n",
       problem ? stderr : stdout);
@@ -333,8 +334,22 @@ int import(const std::string& stem, const fs::path& file, std::string dat) {
   prnon = 1;
   prnfunc = reinterpret_cast<intptr_t>(&say);
   rdlf(CaseName(stem), CaseName(dat));
-  if (LFINF.narea > 0 || LF93.nswitch > 0)
-    std::fprintf(stderr, "lfdb: note: area schedules and switch records stay in the case files\n");
+  // Neither has a table: a run on the database solves another network.
+  if (LFINF.narea > 0)
+    std::fprintf(stderr,
+                 "lfdb: warning: %s has %d area schedules (.L7), which database mode does not "
+                 "use: a run on %s adjusts no area interchange\n",
+                 stem.c_str(), LFINF.narea, file.c_str());
+  if (LF93.ctrl_sub > 0 && LF93.nswitch > 0)
+    std::fprintf(stderr,
+                 "lfdb: warning: %s has %d substation switch records (.L13), which database mode "
+                 "does not use: a run on %s splits no substation\n",
+                 stem.c_str(), LF93.nswitch, file.c_str());
+  if (LF93.ctrl_ud != 0 && NU.nl9 > 0 && fs::exists(stem + ".L9"))
+    std::fprintf(stderr,
+                 "lfdb: note: the model rows of %s.L9 cannot be carried by the database and are "
+                 "left out; the control fields of the rows are kept\n",
+                 stem.c_str());
 
   if (!create_schema(file)) return 1;
   int s = cli_create("lf", file.c_str(), 0, cli_open_default, 0, 0, 0, 0);

@@ -11,7 +11,9 @@
 #include <string>
 
 #include "calclog.hpp"
+#include "cli.h"
 #include "dbsession.hpp"
+#include "folder.hpp"
 #include "lfengine.h"
 #include "precheck.hpp"
 
@@ -34,12 +36,16 @@ void usage(std::FILE* out) {
       "and its error list LFERR.LIS there, and itself keeps the engine's lines of\n"
       "the last calculation in CASE_STEM.LOG.  After each calculation it prints a\n"
       "summary of the results, read back from the report files (or the database).\n"
+      "It locks that folder for the whole run (the file .lfrun.lock there): a\n"
+      "second lfrun in the same folder waits until the first has ended, so that\n"
+      "the two never mix their cases.\n"
       "\n"
       "The engine takes the case name from NAME.INC in that folder (second line),\n"
       "or uses the name LF without one.  lfrun never changes a NAME.INC of yours:\n"
       "  - no NAME.INC and a stem named LF: nothing is written;\n"
       "  - no NAME.INC and another name: lfrun writes one for the run and removes\n"
-      "    it afterwards;\n"
+      "    it afterwards, also when the run is interrupted or terminated; one that\n"
+      "    a run killed outright left behind is replaced;\n"
       "  - a NAME.INC naming this case: it is used as it stands;\n"
       "  - a NAME.INC naming another case: lfrun refuses, unless --name-inc is\n"
       "    given, which replaces that NAME.INC with one naming this case.\n"
@@ -82,8 +88,9 @@ void usage(std::FILE* out) {
       "encodings.  The check changes nothing; in database mode there is none.\n"
       "\n"
       "Exit status: 0 when every calculation converged, 1 when one did not (or\n"
-      "was interrupted), 2 on bad usage.  A missing mandatory case file or a\n"
-      "bus number outside the case ends the engine with a stop text and status 1.\n",
+      "was interrupted, or its database could not be read or written), 2 on bad\n"
+      "usage.  A missing mandatory case file or a bus number outside the case\n"
+      "ends the engine with a stop text and status 1.\n",
       out);
 }
 
@@ -105,31 +112,6 @@ int print_line(const char* line) {
   std::puts(line);
   keep_line(line);
   return 0;
-}
-
-// The case name that NAME.INC gives: its second line, first 60 characters,
-// without trailing blanks.
-std::string named_case(const fs::path& name_inc) {
-  std::ifstream in(name_inc);
-  std::string line;
-  std::getline(in, line);
-  line.clear();
-  std::getline(in, line);
-  if (!line.empty() && line.back() == '\r') line.pop_back();
-  line = line.substr(0, kCaseNameWidth);
-  while (!line.empty() && line.back() == ' ') line.pop_back();
-  return line;
-}
-
-void write_name_inc(const fs::path& path, const std::string& name) {
-  std::ofstream(path) << "1\n" << name << "\n\nDATALIB\n\n\n\n\nUDLIB\n";
-}
-
-// A NAME.INC that lfrun wrote for the run, removed when the process ends,
-// also when the engine stops it.
-fs::path temporary_name_inc;
-void remove_temporary_name_inc() {
-  if (!temporary_name_inc.empty()) fs::remove(temporary_name_inc);
 }
 
 struct Options {
@@ -194,33 +176,17 @@ int parse(int argc, char** argv, Options& o) {
   return -1;
 }
 
-// Goes to the case's folder and makes sure that the engine finds the case
-// by its name; returns -1 to go on, else the exit status.
+// Goes to the case's folder, locks it and makes sure that the engine finds
+// the case by its name; returns -1 to go on, else the exit status.
 int enter_case(const Options& o) {
   fs::path stem(o.stem);
   std::string name = stem.filename().string();
   if (name.empty() || name.size() > kCaseNameWidth) {
     return bad_usage("the case name must have 1 to 60 characters: " + o.stem);
   }
-  fs::path folder = stem.parent_path();
-  std::error_code ec;
-  if (!folder.empty()) fs::current_path(folder, ec);
-  if (ec) return bad_usage("cannot enter the folder " + folder.string() + ": " + ec.message());
-  const fs::path name_inc = "NAME.INC";
-  if (fs::exists(name_inc)) {
-    std::string named = named_case(name_inc);
-    if (named == name) return -1;
-    if (!o.replace_name_inc) {
-      return bad_usage("NAME.INC in " + fs::current_path().string() + " names the case '" + named +
-                       "', not '" + name + "'; give --name-inc to replace it");
-    }
-    std::fprintf(stderr, "lfrun: replacing NAME.INC (it named '%s')\n", named.c_str());
-    write_name_inc(name_inc, name);
-  } else if (name != "LF") {
-    write_name_inc(name_inc, name);
-    temporary_name_inc = fs::absolute(name_inc);
-    std::atexit(remove_temporary_name_inc);
-  }
+  if (std::string why = enter_folder(stem.parent_path().string()); !why.empty())
+    return bad_usage(why);
+  if (std::string why = name_case(name, o.replace_name_inc); !why.empty()) return bad_usage(why);
   return -1;
 }
 
@@ -239,7 +205,7 @@ int main(int argc, char** argv) {
   std::snprintf(title, sizeof title, "Load Flow: %s", fs::path(o.stem).filename().c_str());
   int flags = o.flags;
   int session = 0;
-  if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitUsage;
+  if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitNotConverged;
   intptr_t callback = reinterpret_cast<intptr_t>(&print_line);
   int mode = o.mode;
   flags = LFInit(&flags, title, &session, &callback, &mode);
@@ -248,13 +214,20 @@ int main(int argc, char** argv) {
     int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
     const std::string name = fs::path(o.stem).filename().string();
     start_calculation(name, o.nonlinear);
+    const long writes = session > 0 ? lfcli_writes(session) : 0;
     const bool converged = LFCal(&cal_flags) == 0;
     if (!converged) all_converged = false;
-    finish_calculation(name, o.db, converged, !o.quiet);
+    // In database mode a calculation that wrote nothing has no results to
+    // sum up: the tables hold those of an earlier one.
+    const bool results = session <= 0 || lfcli_writes(session) > writes;
+    finish_calculation(name, o.db, converged, !o.quiet && results);
   }
   LFFinilize();
   std::fflush(stdout);
-  if (session > 0) close_database(session, o.db);
+  if (session > 0 && !close_database(session, o.db)) {
+    std::fprintf(stderr, "lfrun: not solved; nothing written to %s\n", o.db.c_str());
+    return kExitNotConverged;
+  }
   std::fprintf(stderr, "lfrun: %s; %s in %s\n", all_converged ? "converged" : "not converged",
                session > 0 ? "results" : "reports",
                session > 0 ? o.db.c_str() : fs::current_path().c_str());

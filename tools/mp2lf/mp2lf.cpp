@@ -1,12 +1,13 @@
 // mp2lf: turns a MATPOWER case into the engine's case files.
 //
-//   mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] [--qlim]
+//   mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] [--qlim] [--force]
 //
 // writes OUT_STEM.L0, .L1, .L2, .L3, .L5 and .L6, all per unit on the case's
-// base.  Buses of type 4 and everything out of service or attached to such
-// a bus are left out; the other buses are numbered 1..n in file order.
-// Numbers are written in full (the shortest text that reads back to the
-// same double), so that the engine works on exactly MATPOWER's data.
+// base, and warns about what the engine will not solve as MATPOWER does.
+// Buses of type 4 and everything out of service or attached to such a bus
+// are left out; the other buses are numbered 1..n in file order.  Numbers
+// are written in full (the shortest text that reads back to the same
+// double), so that the engine works on exactly MATPOWER's data.
 // OUT_STEM.MAP keeps, one line per bus, its number in the case files and
 // its number in the MATPOWER case, which the report tool shows.
 #include <algorithm>
@@ -21,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "family.hpp"
 #include "mpcase.hpp"
 
 namespace mp2lf {
@@ -37,17 +39,21 @@ struct Options {
   double tolerance = 1e-8;
   int iterations = 50;
   bool qlim = false;
+  bool force = false;  // replace an existing case family
 };
 
 const char* kUsage =
     "usage: mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] "
-    "[--qlim]\n"
+    "[--qlim] [--force]\n"
     "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case, and OUT_STEM.MAP:\n"
-    "  per bus its number in the case files and its MATPOWER number\n"
+    "  per bus its number in the case files and its MATPOWER number; an existing\n"
+    "  case family of that stem is never replaced without --force, and a write\n"
+    "  that fails leaves the old files as they were\n"
     "  --method N      iteration method written to .L0 (default 1)\n"
     "  --tolerance X   convergence tolerance, per unit (default 1e-8)\n"
     "  --iterations N  iteration limit (default 50)\n"
-    "  --qlim          PV generators get type -2: reactive limits enforced\n";
+    "  --qlim          PV generators get type -2: reactive limits enforced\n"
+    "  --force         replace the files of an existing case family\n";
 
 [[noreturn]] void usage(const std::string& why) {
   std::fprintf(stderr, "mp2lf: %s\n%s", why.c_str(), kUsage);
@@ -87,6 +93,8 @@ Options options(int argc, char** argv) {
         usage("--tolerance needs a positive number, not '" + std::string(t) + "'");
     } else if (arg == "--qlim") {
       o.qlim = true;
+    } else if (arg == "--force") {
+      o.force = true;
     } else if (arg.size() > 1 && arg[0] == '-') {
       usage("unknown option " + arg);
     } else {
@@ -124,6 +132,13 @@ struct Output {
   std::ostringstream map;  // .MAP: per bus, the engine's number and the MATPOWER number
   int nbus = 0, nline = 0, nshunt = 0, ntrans = 0, ngen = 0, nload = 0;
   int dropped_buses = 0, dropped_branches = 0, dropped_gens = 0;
+  // What the engine will not solve as MATPOWER does, for the warnings.
+  bool reference_bus = false;  // a bus of type 3 is kept
+  int slack_gens = 0;          // generators written as slack (type 0)
+  int shifts = 0;              // kept branches with a phase shift
+  double largest_shift = 0;    // its largest size, degrees
+  int zero_impedance = 0;      // kept branches with R = X = 0
+  std::string first_zero;      // the first of them, "F and T" in MATPOWER's numbers
 };
 
 // A branch row of .L2: the fields the reader takes, then a spare real and a
@@ -166,6 +181,7 @@ Output convert(const MpCase& c, const Options& o) {
     }
     const int n = ++out.nbus;
     num[b[BUS_I]] = n;
+    out.reference_bus = out.reference_bus || b[BUS_TYPE] == 3;
     out.map << n << ' ' << static_cast<long long>(b[BUS_I]) << '\n';
     type.push_back(static_cast<int>(b[BUS_TYPE]));
     std::string name =
@@ -204,6 +220,13 @@ Output convert(const MpCase& c, const Options& o) {
     if (fresh) pairs.emplace_back();
     Pair& p = pairs[it->second];
     p.rows.push_back(k);
+    if (r[SHIFT] != 0) {
+      ++out.shifts;
+      out.largest_shift = std::max(out.largest_shift, std::fabs(r[SHIFT]));
+    }
+    if (r[BR_R] == 0 && r[BR_X] == 0 && out.zero_impedance++ == 0)
+      out.first_zero = std::to_string(static_cast<long long>(r[F_BUS])) + " and " +
+                       std::to_string(static_cast<long long>(r[T_BUS]));
     p.has_transformer = p.has_transformer || is_transformer(r);
   }
 
@@ -253,6 +276,7 @@ Output convert(const MpCase& c, const Options& o) {
     }
     const int mode = type[n] == 3 ? 0 : type[n] == 2 ? (o.qlim ? -2 : -1) : 1;
     ++out.ngen;
+    if (mode == 0) ++out.slack_gens;
     out.l5 << "1 " << n << ' ' << mode << ' ' << real(g[PG] / base) << ' ' << real(g[QG] / base)
            << ' ' << real(g[VG]) << ' ' << real(mode == 0 ? angle[n] : 0.0) << ' '
            << real(g[QMAX] / base) << ' ' << real(g[QMIN] / base) << ' ' << real(g[PMAX] / base)
@@ -266,25 +290,26 @@ Output convert(const MpCase& c, const Options& o) {
   return out;
 }
 
-// Writes all seven files or, when one cannot be written, none.
-bool write_all(const std::string& stem, const Output& out) {
-  const std::pair<const char*, const std::ostringstream*> files[] = {
-      {".L0", &out.l0}, {".L1", &out.l1}, {".L2", &out.l2},  {".L3", &out.l3},
-      {".L5", &out.l5}, {".L6", &out.l6}, {".MAP", &out.map}};
-  std::vector<std::string> written;
-  for (const auto& [ext, text] : files) {
-    const std::string path = stem + ext;
-    std::ofstream f(path, std::ios::binary);
-    written.push_back(path);
-    if (f) f << text->str();
-    if (!f || !f.flush()) {
-      std::fprintf(stderr, "mp2lf: cannot write %s\n", path.c_str());
-      std::error_code ec;
-      for (const auto& w : written) std::filesystem::remove(w, ec);
-      return false;
-    }
-  }
-  return true;
+// Says what the engine will solve differently from MATPOWER, or not at all.
+void warn(const Output& out) {
+  if (!out.reference_bus)
+    std::fputs("mp2lf: warning: no bus is of type 3 (reference): the case has no slack bus\n",
+               stderr);
+  else if (out.slack_gens == 0)
+    std::fputs(
+        "mp2lf: warning: no generator in service stands at the reference bus: the case has no "
+        "slack bus\n",
+        stderr);
+  if (out.shifts > 0)
+    std::fprintf(stderr,
+                 "mp2lf: warning: %d transformers have a phase shift (the largest %g degrees), "
+                 "which the engine does not model: it solves them without\n",
+                 out.shifts, out.largest_shift);
+  if (out.zero_impedance > 0)
+    std::fprintf(stderr,
+                 "mp2lf: warning: %d branches have zero impedance (the first between buses %s), "
+                 "which the engine cannot solve\n",
+                 out.zero_impedance, out.first_zero.c_str());
 }
 
 }  // namespace
@@ -314,7 +339,17 @@ int main(int argc, char** argv) {
                  o.input.c_str());
     return 1;
   }
-  if (!write_all(o.stem, out)) return 1;
+  warn(out);
+  if (!write_family(o.stem,
+                    {{".L0", out.l0.str()},
+                     {".L1", out.l1.str()},
+                     {".L2", out.l2.str()},
+                     {".L3", out.l3.str()},
+                     {".L5", out.l5.str()},
+                     {".L6", out.l6.str()},
+                     {".MAP", out.map.str()}},
+                    o.force))
+    return 1;
   std::printf(
       "mp2lf: wrote %s.L0-.L6 and .MAP: %d buses, %d lines, %d shunt rows, %d transformers, %d "
       "generators, "

@@ -9,6 +9,8 @@
 // the statement orders it; the bound columns of a row are read when the walk
 // reaches it.  A fetch for update takes the write lock at once; precommit and
 // commit end the transaction and forget every open selection of the session.
+// A database opened for writing keeps a write-ahead log, so that a session
+// that reads never keeps another one from writing.
 #include "cli.h"
 
 #include <sqlite3.h>
@@ -32,7 +34,9 @@ enum class Kind { Int4, Int8, Real4, Real8, Text };
 struct Session {
   sqlite3* db = nullptr;
   enum class Txn { None, Read, Write } txn = Txn::None;
-  long epoch = 0;  // counts ended transactions; a selection from an older one is gone
+  long epoch = 0;     // counts ended transactions; a selection from an older one is gone
+  std::string error;  // why the database refused the last change; empty after a commit
+  long writes = 0;    // write transactions committed
 };
 
 struct Column {
@@ -49,6 +53,9 @@ struct Statement {
   bool syntax_ok = false;
   std::string table, where, order;
   std::vector<Column> columns;
+  // The table's declared columns, looked up once for all the bindings.
+  std::vector<std::pair<std::string, Kind>> table_columns;
+  bool table_known = false;
   bool fetched = false, for_update = false, first = true, updated = false;
   long epoch = 0;
   std::vector<sqlite3_int64> rows;
@@ -76,6 +83,23 @@ std::string quoted(const std::string& name) {
 
 bool exec(sqlite3* db, const char* sql) {
   return sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+// Keeps, in plain words, why the database refused a change.
+int refused(Session& se) {
+  switch (sqlite3_extended_errcode(se.db) & 0xff) {
+    case SQLITE_READONLY:
+      se.error = "the database is read-only";
+      break;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      se.error = "the database is locked by another session";
+      break;
+    default:
+      se.error = sqlite3_errmsg(se.db);
+      break;
+  }
+  return cli_runtime_error;
 }
 
 Kind kind_of(std::string decl) {
@@ -188,11 +212,11 @@ int resolve(Session& se, Statement& st) {
 
 int begin(Session& se, bool write) {
   if (write && se.txn == Session::Txn::Read) {
-    if (!exec(se.db, "COMMIT")) return cli_runtime_error;
+    if (!exec(se.db, "COMMIT")) return refused(se);
     se.txn = Session::Txn::None;
   }
   if (se.txn == Session::Txn::None) {
-    if (!exec(se.db, write ? "BEGIN IMMEDIATE" : "BEGIN")) return cli_runtime_error;
+    if (!exec(se.db, write ? "BEGIN IMMEDIATE" : "BEGIN")) return refused(se);
     se.txn = write ? Session::Txn::Write : Session::Txn::Read;
   }
   return cli_ok;
@@ -203,8 +227,16 @@ int end(int session, const char* sql) {
   if (!se) return cli_bad_descriptor;
   ++se->epoch;
   if (se->txn == Session::Txn::None) return cli_ok;
+  if (!exec(se->db, sql)) {
+    // A commit that failed leaves the transaction open: take it back.
+    int rc = refused(*se);
+    exec(se->db, "ROLLBACK");
+    se->txn = Session::Txn::None;
+    return rc;
+  }
+  if (se->txn == Session::Txn::Write && std::strcmp(sql, "COMMIT") == 0) ++se->writes;
   se->txn = Session::Txn::None;
-  return exec(se->db, sql) ? cli_ok : cli_runtime_error;
+  return cli_ok;
 }
 
 // Binds the value of a bound variable as parameter i, narrowed to the type of
@@ -318,11 +350,14 @@ int cli_create(char const* databaseName, char const* filePath, unsigned, int ope
   int flags = (openAttr & cli_open_readonly) ? SQLITE_OPEN_READONLY
                                              : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   sqlite3* db = nullptr;
-  if (sqlite3_open_v2(path, &db, flags, nullptr) != SQLITE_OK) {
+  // A file that is not a database is refused here, as one that is missing.
+  if (sqlite3_open_v2(path, &db, flags, nullptr) != SQLITE_OK ||
+      !exec(db, "SELECT count(*) FROM sqlite_master")) {
     sqlite3_close(db);
     return cli_database_not_found;
   }
   sqlite3_busy_timeout(db, 5000);
+  if (!(openAttr & cli_open_readonly)) exec(db, "PRAGMA journal_mode=WAL");
   if (openAttr & cli_open_no_sync) exec(db, "PRAGMA synchronous=OFF");
   auto se = std::make_unique<Session>();
   se->db = db;
@@ -366,8 +401,10 @@ int cli_column(int statement, char const* column_name, int var_type, int* var_le
       var_type != cli_asciiz)
     return cli_unsupported_type;
   Kind kind = var_type == cli_asciiz ? Kind::Text : Kind::Real8;
-  std::vector<std::pair<std::string, Kind>> cols;
-  if (st->syntax_ok && table_columns(session_of(st->session)->db, st->table, cols)) {
+  if (st->syntax_ok && !st->table_known)
+    st->table_known = table_columns(session_of(st->session)->db, st->table, st->table_columns);
+  if (st->table_known) {
+    const auto& cols = st->table_columns;
     auto it =
         std::find_if(cols.begin(), cols.end(), [&](auto& x) { return x.first == column_name; });
     if (it == cols.end()) return cli_column_not_found;
@@ -458,6 +495,7 @@ int cli_update(int statement) {
   for (int i = 0; i < n; ++i) bind_value(q, i + 1, st->columns[static_cast<std::size_t>(i)]);
   sqlite3_bind_int64(q, n + 1, st->rows[st->pos]);
   int rc = sqlite3_step(q);
+  if (rc != SQLITE_DONE) refused(se);
   sqlite3_finalize(q);
   if (rc != SQLITE_DONE) return cli_runtime_error;
   st->updated = true;
@@ -487,6 +525,7 @@ int cli_insert(int statement, cli_oid_t* oid) {
   for (std::size_t i = 0; i < st->columns.size(); ++i)
     bind_value(q, static_cast<int>(i + 1), st->columns[i]);
   int rc = sqlite3_step(q);
+  if (rc != SQLITE_DONE) refused(se);
   sqlite3_finalize(q);
   if (rc != SQLITE_DONE) return cli_runtime_error;
   if (oid) *oid = static_cast<cli_oid_t>(sqlite3_last_insert_rowid(se.db));
@@ -503,10 +542,22 @@ int cli_precommit(int session) {
   return end(session, "COMMIT");
 }
 int cli_commit(int session) {
-  return end(session, "COMMIT");
+  int rc = end(session, "COMMIT");
+  if (rc == cli_ok) session_of(session)->error.clear();
+  return rc;
 }
 int cli_abort(int session) {
   return end(session, "ROLLBACK");
+}
+
+const char* lfcli_refusal(int session) {
+  Session* se = session_of(session);
+  return se ? se->error.c_str() : "";
+}
+
+long lfcli_writes(int session) {
+  Session* se = session_of(session);
+  return se ? se->writes : 0;
 }
 
 }  // extern "C"

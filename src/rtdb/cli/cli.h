@@ -112,6 +112,15 @@ int cli_precommit(int session);
 int cli_commit(int session);
 int cli_abort(int session);
 
+/* Of this implementation only, for the host that opened the session (the
+ * engine uses none of it).  lfcli_refusal: why the database refused the
+ * last change of the session, such as "the database is read-only" or "the
+ * database is locked by another session"; an empty text when nothing was
+ * refused since the last commit.  lfcli_writes: the number of write
+ * transactions that the session has committed. */
+const char* lfcli_refusal(int session);
+long lfcli_writes(int session);
+
 #ifdef __cplusplus
 }
 #endif

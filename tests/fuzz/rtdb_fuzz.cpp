@@ -1,0 +1,144 @@
+// The database reader.  The input is text, one line an operation on the
+// tables of the load flow, which are emptied before each input:
+//   TABLE column=value ...   inserts a row (value: an integer, a real, nan,
+//                            inf, null, or else a text)
+//   drop TABLE               removes the table
+//   dropcol TABLE COLUMN     removes a column
+// Damaged tables are made anew for the next input.  Then the case is read
+// from the database through the client interface, as a calculation does.
+#include <sqlite3.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli.h"
+#include "fuzz/scratch.hpp"
+#include "rtdb/rtdb.hpp"
+#include "store/store.hpp"
+
+namespace {
+
+const char* const kTables[] = {"global", "case_lf", "kv", "bs", "bus",     "ln",      "cp",
+                               "xf",     "dln",     "un", "ld", "fact_gl", "load_lib"};
+
+struct Db {
+  sqlite3* db = nullptr;
+  std::map<std::string, std::string> create;  // table: its CREATE statement
+  std::map<std::string, std::set<std::string>> columns;
+  std::set<std::string> damaged;
+};
+
+Db& database() {
+  static Db d = [] {
+    Db d;
+    const std::string file = lf::fuzz::scratch() + "/fuzz.db";
+    std::remove(file.c_str());
+    std::ifstream in(LF_SCHEMA_FILE);
+    std::stringstream schema;
+    schema << in.rdbuf();
+    sqlite3_open(file.c_str(), &d.db);
+    sqlite3_exec(d.db, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr);
+    sqlite3_exec(d.db, schema.str().c_str(), nullptr, nullptr, nullptr);
+    for (const char* t : kTables) {
+      sqlite3_stmt* q = nullptr;
+      sqlite3_prepare_v2(d.db, "SELECT sql FROM sqlite_master WHERE name = ?1", -1, &q, nullptr);
+      sqlite3_bind_text(q, 1, t, -1, SQLITE_STATIC);
+      if (sqlite3_step(q) == SQLITE_ROW)
+        d.create[t] = reinterpret_cast<const char*>(sqlite3_column_text(q, 0));
+      sqlite3_finalize(q);
+      sqlite3_prepare_v2(d.db, (std::string("PRAGMA table_info(\"") + t + "\")").c_str(), -1, &q,
+                         nullptr);
+      while (sqlite3_step(q) == SQLITE_ROW)
+        d.columns[t].insert(reinterpret_cast<const char*>(sqlite3_column_text(q, 1)));
+      sqlite3_finalize(q);
+    }
+    lf::RTDBLSCMN.session = cli_create("lf", file.c_str(), 0, cli_open_no_sync, 0, 0, 0, 0);
+    lf::RTDBLSCMN.rtdbmode = 1;
+    return d;
+  }();
+  return d;
+}
+
+void exec(sqlite3* db, const std::string& sql) {
+  sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr);
+}
+
+void bind(sqlite3_stmt* q, int k, const std::string& v) {
+  char* end = nullptr;
+  long long i = std::strtoll(v.c_str(), &end, 10);
+  if (!v.empty() && *end == '\0') return (void)sqlite3_bind_int64(q, k, i);
+  double x = std::strtod(v.c_str(), &end);
+  if (!v.empty() && *end == '\0') return (void)sqlite3_bind_double(q, k, x);
+  if (v == "null") return (void)sqlite3_bind_null(q, k);
+  sqlite3_bind_text(q, k, v.data(), static_cast<int>(v.size()), SQLITE_TRANSIENT);
+}
+
+// Inserts a row from "column=value" words into table t.
+void insert(Db& d, const std::string& t, std::istringstream& words) {
+  std::vector<std::string> names, values;
+  for (std::string w; words >> w;) {
+    std::size_t eq = w.find('=');
+    if (eq == std::string::npos || !d.columns[t].count(w.substr(0, eq))) continue;
+    names.push_back("\"" + w.substr(0, eq) + "\"");
+    values.push_back(w.substr(eq + 1));
+  }
+  std::string sql = "INSERT INTO \"" + t + "\"";
+  if (names.empty()) {
+    sql += " DEFAULT VALUES";
+  } else {
+    std::string cols, marks;
+    for (std::size_t k = 0; k < names.size(); ++k) {
+      cols += (k ? "," : "") + names[k];
+      marks += k ? ",?" : "?";
+    }
+    sql += " (" + cols + ") VALUES (" + marks + ")";
+  }
+  sqlite3_stmt* q = nullptr;
+  if (sqlite3_prepare_v2(d.db, sql.c_str(), -1, &q, nullptr) == SQLITE_OK) {
+    for (std::size_t k = 0; k < values.size(); ++k) bind(q, static_cast<int>(k + 1), values[k]);
+    sqlite3_step(q);
+  }
+  sqlite3_finalize(q);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+  Db& d = database();
+  exec(d.db, "BEGIN");
+  for (const auto& [t, sql] : d.create) {
+    if (d.damaged.count(t)) {
+      exec(d.db, "DROP TABLE IF EXISTS \"" + t + "\"");
+      exec(d.db, sql);
+    } else {
+      exec(d.db, "DELETE FROM \"" + t + "\"");
+    }
+  }
+  d.damaged.clear();
+  std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
+  int rows = 0;
+  for (std::string line; rows < 300 && std::getline(lines, line); ++rows) {
+    std::istringstream words(line);
+    std::string op, t, c;
+    words >> op;
+    if (op == "drop" && words >> t && d.create.count(t)) {
+      exec(d.db, "DROP TABLE \"" + t + "\"");
+      d.damaged.insert(t);
+    } else if (op == "dropcol" && words >> t >> c && d.columns[t].count(c)) {
+      exec(d.db, "ALTER TABLE \"" + t + "\" DROP COLUMN \"" + c + "\"");
+      d.damaged.insert(t);
+    } else if (d.create.count(op)) {
+      insert(d, op, words);
+    }
+  }
+  exec(d.db, "COMMIT");
+  lf::rdrtlf();
+  return 0;
+}
