@@ -25,6 +25,8 @@
 #include <string>
 #include <vector>
 
+#include "common/files.hpp"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -77,11 +79,6 @@ std::vector<Row> load_table() {
   return rows;
 }
 
-std::string slurp(const fs::path& p) {
-  std::ifstream f(p, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(f), {});
-}
-
 // A text in single quotes for the shell.
 std::string quoted(const std::string& text) {
   std::string q = "'";
@@ -106,7 +103,7 @@ std::vector<std::string> non_finite_fields(const fs::path& dir) {
   for (const auto& e : fs::directory_iterator(dir)) {
     const std::string ext = e.path().extension().string();
     if (ext.size() < 3 || (ext.substr(0, 3) != ".LP" && ext != ".nP4")) continue;
-    std::stringstream in(slurp(e.path()));
+    std::stringstream in(lf::test::read_file(e.path()));
     for (std::string field; std::getline(in, field, ',');) {
       const auto a = field.find_first_not_of(" \n"), b = field.find_last_not_of(" \n");
       if (a == std::string::npos) continue;
@@ -136,15 +133,16 @@ TEST_P(BadInput, EndsHonestly) {
   }
   const fs::path output = dir.string() + ".out";
   if (!r.damage.empty()) {
-    ASSERT_EQ(shell(dir, r.damage, output), 0) << slurp(output);
+    ASSERT_EQ(shell(dir, r.damage, output), 0) << lf::test::read_file(output);
   }
 
   std::map<std::string, std::string> before;
   std::stringstream names(r.unchanged);
-  for (std::string f; names >> f;) before[f] = fs::exists(dir / f) ? slurp(dir / f) : "(none)";
+  for (std::string f; names >> f;)
+    before[f] = fs::exists(dir / f) ? lf::test::read_file(dir / f) : "(none)";
 
   const int status = shell(dir, r.command, output);
-  const std::string out = slurp(output);
+  const std::string out = lf::test::read_file(output);
   EXPECT_EQ(status, r.exit) << out;
   if (!r.expect.empty()) {
     EXPECT_NE(out.find(r.expect), std::string::npos) << out;
@@ -152,7 +150,8 @@ TEST_P(BadInput, EndsHonestly) {
   for (const char* finding : {"AddressSanitizer", "LeakSanitizer", "runtime error:"})
     EXPECT_EQ(out.find(finding), std::string::npos) << out;
   for (const auto& [f, text] : before)
-    EXPECT_EQ(fs::exists(dir / f) ? slurp(dir / f) : "(none)", text) << f << " was changed";
+    EXPECT_EQ(fs::exists(dir / f) ? lf::test::read_file(dir / f) : "(none)", text)
+        << f << " was changed";
   EXPECT_EQ(non_finite_fields(dir), std::vector<std::string>{});
 }
 

@@ -77,10 +77,11 @@ TEST_F(Scaling, GeneratorsByAreaLevelOrNameLoadsByAreaOnly) {
   factor(0, 110.0, "", 1.0, 1.0, 4.0, 4.0);      // a level never selects a load
   factor(3, 0.0, "", 1.0, 1.0, 2.0, 1.0000001);  // loads of area 3
   factor(3, 0.0, "", 1.0, 1.0, 5.0, 5.0);        // comes too late
+  factor(1, 0.0, "", 1.0, 1.0, 1.0, 3.0);        // the Q of loads of area 1 alone
   chpq();
   // Buses 1 and 2 by level, 3 by name; a factor 0 switches nothing off; the
   // load's Q factor counts as 1.0 within the tolerance.
-  const double want[] = {1.5, 0.5, 1.5, 0.5, 3.0, 1.0, 2.0, 1.0, 1.0, 1.0};
+  const double want[] = {1.5, 0.5, 1.5, 0.5, 3.0, 1.0, 2.0, 1.0, 1.0, 3.0};
   const double got[] = {L5.P[1], L5.Q[1], L5.P[2], L5.Q[2], L5.P[3],
                         L5.Q[3], L6.P[1], L6.Q[1], L6.P[2], L6.Q[2]};
   for (int n = 0; n < 10; ++n) EXPECT_DOUBLE_EQ(got[n], want[n]) << n;

@@ -17,7 +17,7 @@ namespace lf {
 namespace {
 
 using test::CaseFiles;
-using test::messages;
+using test::printed;
 using ::testing::IsEmpty;
 using cplx = std::complex<double>;
 using Rows = std::vector<std::vector<double>>;
@@ -97,10 +97,10 @@ class Mp2lf : public CaseFiles {
  protected:
   // Runs the importer; its summary line goes to out.
   int run(const std::string& args, std::string* out = nullptr) {
-    const std::string log = (dir_ / "mp2lf.out").string();
+    const std::string log = (dir_ / "mp2lf.out");
     const int rc =
         std::system((std::string(LF_BINARY_DIR) + "/mp2lf " + args + " >" + log + " 2>&1").c_str());
-    if (out) *out = test::slurp_file(log);
+    if (out) *out = test::read_file(log);
     return WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
   }
   void convert_and_read(const std::string& m, const std::string& opts = "") {
@@ -152,21 +152,21 @@ mpc.bus_name = {
 )";
 
 TEST_F(Mp2lf, FollowsTheConversionRules) {
-  std::ofstream(dir_ / "odd.m") << kOdd;
+  test::write_file(dir_ / "odd.m", kOdd);
   std::string summary;
-  ASSERT_EQ(run((dir_ / "odd.m").string() + " " + stem() +
-                    " --qlim --method 0 --tolerance 1e-6 --iterations 20",
-                &summary),
-            0);
+  ASSERT_EQ(
+      run((dir_ / "odd.m") + " " + stem() + " --qlim --method 0 --tolerance 1e-6 --iterations 20",
+          &summary),
+      0);
   EXPECT_EQ(summary,
             "mp2lf: wrote " + stem() +
                 ".L0-.L6 and .MAP: 3 buses, 2 lines, 5 shunt rows, 2 transformers, 3 generators, "
                 "2 loads; left out 1 isolated buses, 2 branches and 2 generators out of "
                 "service or isolated\n");
   // The map gives each bus's MATPOWER number back.
-  EXPECT_EQ(test::slurp_file(stem() + ".MAP"), "1 10\n2 20\n3 40\n");
+  EXPECT_EQ(test::read_file(stem() + ".MAP"), "1 10\n2 20\n3 40\n");
   rdlf(name(), lib());
-  EXPECT_THAT(messages(), IsEmpty());
+  EXPECT_THAT(printed, IsEmpty());
   EXPECT_EQ(LFINF.base_mva, 50.0);
   EXPECT_EQ(LFINF.tolerance, 1e-6);
   EXPECT_EQ(L1.busname[1].trimmed(), "North's");
@@ -198,7 +198,7 @@ TEST_F(Mp2lf, FollowsTheConversionRules) {
 }
 
 TEST_F(Mp2lf, RefusesWhatItCannotReadAndLeavesNoFiles) {
-  const std::string m = (dir_ / "bad.m").string();
+  const std::string m = (dir_ / "bad.m");
   const std::string good = kOdd;
   const std::pair<std::string, std::string> cases[] = {
       {good.substr(0, good.find("mpc.branch")), "no branch matrix"},
@@ -219,7 +219,7 @@ TEST_F(Mp2lf, RefusesWhatItCannotReadAndLeavesNoFiles) {
   }
   EXPECT_EQ(run(m), 2);
   EXPECT_EQ(run(kData + "case9.m " + stem() + " --iterations x"), 2);
-  EXPECT_EQ(run((dir_ / "none.m").string() + " " + stem()), 1);
+  EXPECT_EQ(run((dir_ / "none.m") + " " + stem()), 1);
   EXPECT_FALSE(any_output());
 }
 

@@ -1,17 +1,15 @@
 #include "control/dcline.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "common/golden.hpp"
 #include "report/dcreports.hpp"
 #include "report/fixture.hpp"
 
 namespace lf {
 namespace {
-
-using testing::ElementsAre;
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -221,39 +219,13 @@ TEST(DcLine, ReportFiles) {
   test::set_voltage(3, 1.02, 0);
   dcval();
   dctran();
-  const std::string stem = test::temp_stem();
-  nwlp4(CaseName(stem));
-  wlp4_new(CaseName(stem));
-  const auto np4 = test::file_lines(stem + ".nP4");
-  ASSERT_EQ(np4.size(), 20u);
-  EXPECT_THAT(
-      std::vector<std::string>(np4.begin(), np4.begin() + 10),
-      ElementsAre(
-          "     1,     2,     1,     3,", "    10,",
-          "    10.000000000,     0.000000000,     1.000000000,     0.980000000,",
-          "   -10.000000000,    -6.514093877,     1.000000000,     0.837903588,    15.000000000,   "
-          " -9.474607406,",
-          "     9.480000000,    -6.640468512,     0.948000000,     0.846697779,    -8.524500989,",
-          "     0.000000000,     0.000000000,     0.000000000,     0.925600612,     0.000000000,   "
-          "  0.000000000,",
-          "     0.000000000,     0.000000000,     0.000000000,     0.925600612,     0.000000000,",
-          "   230.000000000,   345.000000000,   500.000000000,     0.200000000,  2500.000000000,  "
-          "7957.747153556,     0.621218258,     0.931827387,",
-          "     0.000400000,     0.001256637,     0.000400000,     0.001256637,     0.004000000,   "
-          "  0.062831853,     0.000200000,     0.000200000,     0.012566371,     0.012566371,",
-          "     0.016000000,     0.016000000,     1.018160674,     0.833040551,     1.018160674,   "
-          "  0.833040551,     3.000000000,     2.500000000,"));
-  EXPECT_THAT(
-      test::file_lines(stem + ".LP4"),
-      ElementsAre(
-          "     1,     2,     1, -10.0000,  -6.5141,   9.4800,  -6.6405,   0.8379,   0.8467,",
-          "   1.0000,   0.9480,  15.0000,", "   0.2000, 2500.000,   7.9577,",
-          "  10.0000,   1.0000,  10.0000,   0.0052,   0.0653,   0.0251,   0.0160,   0.0160,",
-          "   0.9256,   1.0182,   0.8330,   0.9256,   1.0182,   0.8330,   3.0000,   2.5000, 3,",
-          "     3,     4,     2, -10.0000,  -4.9174,   9.7400,  -5.2071,   0.9153,   0.9054,",
-          "   2.0000,   1.9480,  15.0000,", "   0.2000, 2500.000,   7.9577,",
-          "   5.0000,   1.0000,   5.0000,   0.0052,   0.0653,   0.0251,   0.0160,   0.0160,",
-          "   0.8815,   1.0578,   0.7052,   0.9658,   1.1268,   0.8049,   3.0000,   2.5000, 0,"));
+  // The report files stand in control/dclines.nP4 and .LP4.
+  test::ScratchFolder dir;
+  const CaseName stem(dir / "C");
+  nwlp4(stem);
+  wlp4_new(stem);
+  test::expect_golden(test::read_file(dir / "C.nP4"), "control/dclines.nP4");
+  test::expect_golden(test::read_file(dir / "C.LP4"), "control/dclines.LP4");
 }
 
 }  // namespace

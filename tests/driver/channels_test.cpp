@@ -29,7 +29,7 @@ TEST_F(Channels, PrintBitAppliesPerCalculationAndACallbackWithTheTopBitIsAbsent)
 
   int flags = LF_FLAG_PRINT, session = 0, mode = 2;
   char title[80] = "t";
-  intptr_t callback = INTPTR_MIN | reinterpret_cast<intptr_t>(&collect);  // called, it crashes
+  intptr_t callback = INTPTR_MIN | reinterpret_cast<intptr_t>(&keep_printed);  // called, it crashes
   EXPECT_EQ(LFInit(&flags, title, &session, &callback, &mode), LF_FLAG_PRINT);
   print("nobody hears this");
   EXPECT_TRUE(printed.empty());

@@ -1,5 +1,5 @@
 // What the engine's tests share: a fresh working folder with a small case,
-// a headless screen, and a host callback that collects the lines.
+// a headless screen, and the host callback that collects the lines.
 #pragma once
 
 #include <arpa/inet.h>
@@ -12,36 +12,16 @@
 
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <vector>
 
+#include "common/files.hpp"
+#include "common/lines.hpp"
 #include "io/msglink.hpp"
 #include "lfengine.h"
 #include "toolkit/headless.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf::test {
-
-inline std::vector<std::string> printed;
-
-inline int collect(const char* line) {
-  printed.emplace_back(line);
-  return 0;
-}
-
-inline void write_file(const std::filesystem::path& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-inline std::string read_file(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 // Writes the case LF.*: two buses, one line, a slack generator and a load,
 // solved by the given method within the given number of iterations, with
@@ -82,22 +62,11 @@ struct PortLock {
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    home = std::filesystem::current_path();
-    dir = std::filesystem::temp_directory_path() /
-          ("lfengine_test_" + std::to_string(getpid()) + "_" +
-           ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    std::filesystem::current_path(dir);
     write_two_bus_case(0);
     printed.clear();
     set_toolkit_backend(&screen);
   }
-  void TearDown() override {
-    set_toolkit_backend(nullptr);
-    std::filesystem::current_path(home);
-    std::filesystem::remove_all(dir);
-  }
+  void TearDown() override { set_toolkit_backend(nullptr); }
 
   // LFInit with the given flags, no database, the collecting callback.
   int init(int flags, const char* title = "Load Flow") {
@@ -105,7 +74,7 @@ class EngineTest : public ::testing::Test {
     std::memset(text, 'x', sizeof text);
     std::strcpy(text, title);
     int session = 0, mode = 0;
-    intptr_t callback = reinterpret_cast<intptr_t>(&collect);
+    intptr_t callback = reinterpret_cast<intptr_t>(&keep_printed);
     return LFInit(&flags, text, &session, &callback, &mode);
   }
   int cal(int flags) { return LFCal(&flags); }
@@ -115,8 +84,8 @@ class EngineTest : public ::testing::Test {
     LFPstring(buffer);
   }
 
+  ScratchFolder dir{true};
   HeadlessScreen screen;
-  std::filesystem::path home, dir;
 };
 
 }  // namespace lf::test

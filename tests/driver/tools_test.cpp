@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -12,32 +11,23 @@ namespace {
 
 const std::string kBin = LF_BINARY_DIR;
 
-struct Outcome {
-  int status;
-  std::string out;
-};
-
-// Runs a command in the current folder: its exit status and standard output.
-Outcome run(const std::string& command) {
-  Outcome r{-1, {}};
-  std::FILE* p = popen((command + " 2>/dev/null").c_str(), "r");
-  if (!p) return r;
-  char buf[4096];
-  std::size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
-  int s = pclose(p);
-  r.status = WIFEXITED(s) ? WEXITSTATUS(s) : -1;
-  return r;
+// The exit status of a command run in the current folder, its standard
+// output in `out`.
+int run(const std::string& command, std::string* out = nullptr) {
+  int status = -1;
+  const std::string text = output_of(command + " 2>/dev/null", status);
+  if (out) *out = text;
+  return status;
 }
 
 using Hosts = EngineTest;
 
 TEST_F(Hosts, LfrunExplainsItsOptionsAndRefusesBadUsage) {
-  Outcome help = run(kBin + "/lfrun --help");
-  EXPECT_EQ(help.status, 0);
-  EXPECT_NE(help.out.find("--name-inc"), std::string::npos);
+  std::string help;
+  EXPECT_EQ(run(kBin + "/lfrun --help", &help), 0);
+  EXPECT_NE(help.find("--name-inc"), std::string::npos);
   for (const char* args : {"", " --bogus LF", " --repeat 0 LF", " --db case.db LF", " LF other"})
-    EXPECT_EQ(run(kBin + "/lfrun" + args).status, 2) << args;
+    EXPECT_EQ(run(kBin + "/lfrun" + args), 2) << args;
 }
 
 TEST_F(Hosts, LfrunNeverChangesTheUsersNameInc) {
@@ -47,21 +37,22 @@ TEST_F(Hosts, LfrunNeverChangesTheUsersNameInc) {
   }
   const std::string theirs = "1\nOTHER\n\nDATALIB\n";
   write_file("sub/NAME.INC", theirs);
-  EXPECT_EQ(run(kBin + "/lfrun sub/CASE").status, 2);
+  EXPECT_EQ(run(kBin + "/lfrun sub/CASE"), 2);
   EXPECT_EQ(read_file("sub/NAME.INC"), theirs);
 
   std::filesystem::remove("sub/NAME.INC");
-  Outcome r = run(kBin + "/lfrun --repeat 2 sub/CASE");
-  EXPECT_TRUE(r.status == 0 || r.status == 1);
+  std::string out;
+  int status = run(kBin + "/lfrun --repeat 2 sub/CASE", &out);
+  EXPECT_TRUE(status == 0 || status == 1);
   EXPECT_FALSE(std::filesystem::exists("sub/NAME.INC"));  // the one written for the run is gone
   EXPECT_TRUE(std::filesystem::exists("sub/LFERR.LIS"));
-  const std::size_t first = r.out.find("End of Program.");  // one for each of the two runs
-  EXPECT_NE(r.out.find("End of Program.", first + 1), std::string::npos);
+  const std::size_t first = out.find("End of Program.");  // one for each of the two runs
+  EXPECT_NE(out.find("End of Program.", first + 1), std::string::npos);
 
   write_file("sub/NAME.INC", theirs);
-  r = run(kBin + "/lfrun --name-inc --no-print --quiet sub/CASE");
-  EXPECT_TRUE(r.status == 0 || r.status == 1);
-  EXPECT_TRUE(r.out.empty());
+  status = run(kBin + "/lfrun --name-inc --no-print --quiet sub/CASE", &out);
+  EXPECT_TRUE(status == 0 || status == 1);
+  EXPECT_TRUE(out.empty());
   EXPECT_EQ(read_file("sub/NAME.INC").substr(0, 7), "1\nCASE\n");
 }
 

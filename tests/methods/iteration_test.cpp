@@ -70,10 +70,17 @@ TEST(Mismatch, FixedVoltageBusGivesComputedPowerToTheRowWithOutput) {
 
   // A generator of no output leaves the computed power to the load row.
   L5.P[1] = 0;
-  L5.Q[1] = 0.0000001;  // the single-precision 1e-7 itself still counts as none
+  L5.Q[1] = 0.0000001;  // just below the single-precision 1e-7
   VPQ.QG[2] = 7;
   mismatch_q(2, qc, dq, FixedV::Cut);
   EXPECT_EQ(VPQ.QG[2], 7);
+  EXPECT_EQ(VPQ.QL[2], -0.15);
+  // The single-precision 1e-7 itself is output to the generator's row and
+  // none to the load's: both take the computed power.
+  L5.Q[1] = 1.0000000116860974e-07;
+  VPQ.QL[2] = 7;
+  mismatch_q(2, qc, dq, FixedV::Cut);
+  EXPECT_EQ(VPQ.QG[2], 0.2 + 0.15);
   EXPECT_EQ(VPQ.QL[2], -0.15);
 }
 

@@ -46,11 +46,14 @@ TEST(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
   EXPECT_EQ(L6.Q[2], -0.1);
   EXPECT_EQ(VPQ.QL[3], -0.1);
 
-  // Nothing is out of limit any more; the switched rows stay switched.
+  // Nothing is out of limit any more (generator 2 exactly at Qmax is
+  // inside); the switched rows stay switched.
   VPQ.QG[1] = 0;
+  VPQ.QG[2] = 0.3;
   limit(qc, changed);
   EXPECT_EQ(changed, 0);
   EXPECT_EQ(L5.mode_ctrl[1], 1);
+  EXPECT_EQ(L5.mode_ctrl[2], -2);
 }
 
 TEST(Limit, VoltageLimitsOfANewNodeAreThoseOfItsCaseBus) {

@@ -1,31 +1,13 @@
 // Small networks and rows set up by hand for the tests of the methods.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
-#include <string>
-#include <vector>
 
-#include "io/channels.hpp"
+#include "common/lines.hpp"
 #include "sparse/ymatrix.hpp"
 #include "store/store.hpp"
 
 namespace lf::test {
-
-// The lines the iterations print, kept in order.
-inline std::vector<std::string> lines;
-inline int keep_line(const char* line) {
-  lines.emplace_back(line);
-  return 0;
-}
-inline void capture_lines() {
-  lines.clear();
-  prnon = 1;
-  prnfunc = reinterpret_cast<intptr_t>(&keep_line);
-}
-inline int count(const std::string& line) {
-  return static_cast<int>(std::count(lines.begin(), lines.end(), line));
-}
 
 // Two buses joined by one branch, numbered as they come: bus 1 generator
 // rows, bus 2 load rows.  Rows are given by the test.

@@ -15,10 +15,10 @@ using ::testing::Pointwise;
 TEST(Dwgen, MergesUnitsOfABusAndKeepsTheirShares) {
   reset(6);
   generator(2, -1, 0.3, 0.05);  // 1
-  generator(3, 0, 0.0);         // 2: slack
+  generator(3, 1, 0.2);         // 2: plain unit on the slack bus
   generator(2, -2, 0.1, 0.01);  // 3
   generator(4, -1, 0.0);        // 4
-  generator(3, 1, 0.2);         // 5: plain unit on the slack bus
+  generator(3, 0, 0.0);         // 5: the slack, after another unit
   generator(4, -1, 0.0);        // 6
   generator(5, -1, 0.4);        // 7: alone on its bus
   dwgen();
@@ -26,8 +26,8 @@ TEST(Dwgen, MergesUnitsOfABusAndKeepsTheirShares) {
   ASSERT_EQ(LFINF.ngenerat, 4);
   EXPECT_EQ(L5OLD.ngenold, 7);
   EXPECT_EQ(L5OLD.genmerged, 1);
-  // The merged rows, compacted in the order of their first unit; the slack
-  // stays a slack and the limits move with the row.
+  // The merged rows, compacted in the order of their first unit; a slack
+  // unit makes its merged row the slack; the limits move with the row.
   EXPECT_THAT(column(L5.ibs, 4), ElementsAre(2, 3, 4, 5));
   EXPECT_THAT(column(L5.mode_ctrl, 4), ElementsAre(-1, 0, -1, -1));
   EXPECT_THAT(column(L5.merged, 4), ElementsAre(2, 2, 2, 0));

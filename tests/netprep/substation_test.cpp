@@ -38,10 +38,12 @@ TEST(Dwbus, ClosedGroupKeepsOneNodeAndRecordsWithoutNodesArePassedOver) {
   switch_record(1, 1, 0, 2, 0);
   switch_record(7, 1, 1, 2, 0);        // group is no bus of the case
   switch_record(2, 1, 2, 2000000, 0);  // end beyond any node number
+  switch_record(2, 1, 2, 3, 0);
+  L13.valid[6] = 0;  // not valid: an open switch that splits nothing
   dwsubij();
   EXPECT_EQ(NO.nnode, 5);
-  EXPECT_THAT(column(L13.I, 5), ElementsAre(1, 1, 0, 1, 2));
-  EXPECT_THAT(column(L13.J, 5), ElementsAre(1, 1, 2, 2, 2000000));
+  EXPECT_THAT(column(L13.I, 6), ElementsAre(1, 1, 0, 1, 2, 2));
+  EXPECT_THAT(column(L13.J, 6), ElementsAre(1, 1, 2, 2, 2000000, 3));
 }
 
 TEST(Dwbus, OpenSwitchSplitsAndMovesTheBranchOnItsSide) {

@@ -26,7 +26,7 @@ class AreaCase : public testing::Test {
  protected:
   void SetUp() override {
     test::reset_store();
-    test::capture_printing();
+    test::capture_printed();
     LFINF.base_mva = 100;
     LFINF.nacline = 2;
     NO.nbranch = 2;
@@ -80,7 +80,8 @@ TEST_F(AreaCase, OnScheduleWithLossChargedToThirdArea) {
   EXPECT_EQ(L5.P[1], 2.0);
 
   // The areas' own results for the report file.
-  const std::string stem = test::temp_stem();
+  test::ScratchFolder dir;
+  const std::string stem = dir / "C";
   wlp7(CaseName(stem));
   EXPECT_THAT(
       test::file_lines(stem + ".LP7"),

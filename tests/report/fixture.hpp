@@ -1,16 +1,12 @@
-// Store set-up, printed-line capture and report file reading for the tests
-// of the reports, the area interchange and the DC lines.
+// Store set-up for the tests of the reports, the area interchange and the DC
+// lines.
 #pragma once
-
-#include <stdlib.h>
 
 #include <cmath>
 #include <cstdint>
-#include <fstream>
-#include <string>
-#include <vector>
 
-#include "io/channels.hpp"
+#include "common/files.hpp"
+#include "common/lines.hpp"
 #include "sparse/ymatrix.hpp"
 #include "store/lfudot.hpp"
 #include "store/store.hpp"
@@ -18,42 +14,14 @@
 
 namespace lf::test {
 
-inline std::vector<std::string> printed;
-
-inline int capture_line(const char* line) {
-  printed.emplace_back(line);
-  return 0;
-}
-
-// Sends everything that wstring prints into `printed`.
-inline void capture_printing() {
-  printed.clear();
-  mdisplay = 0;
-  socket = 0;
-  prnon = 1;
-  prnfunc = reinterpret_cast<intptr_t>(&capture_line);
-}
-
-// A fresh directory and a case stem in it.
-inline std::string temp_stem() {
-  char dir[] = "/tmp/lfreportXXXXXX";
-  const char* made = mkdtemp(dir);
-  return std::string(made ? made : "/tmp") + "/C";
-}
-
-inline std::vector<std::string> file_lines(const std::string& path) {
-  std::vector<std::string> lines;
-  std::ifstream in(path);
-  for (std::string s; std::getline(in, s);) lines.push_back(s);
-  return lines;
-}
-
-inline bool file_exists(const std::string& path) {
-  return std::ifstream(path).good();
-}
-
-inline void write_file(const std::string& path, const std::string& text) {
-  std::ofstream(path) << text;
+// The report file stem + ext headed by its name, the clock's stamps masked
+// (the first line of .LP1, the second of .CAL).
+inline std::string report_text(const std::string& stem, const std::string& ext) {
+  std::string text = read_file(stem + ext);
+  const std::size_t at = ext == ".CAL" ? text.find('\n') + 1 : 0;
+  if (ext == ".LP1" || (ext == ".CAL" && at > 0))
+    text.replace(at, text.find('\n', at) - at, text.substr(at, ext == ".LP1" ? 4 : 0) + "<stamp>");
+  return "== " + ext + "\n" + text;
 }
 
 // Clears the counts and the arrays that the reports read.

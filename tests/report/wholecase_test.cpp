@@ -1,13 +1,14 @@
-// The bundled DC and area examples solved from their case files by the
-// driver, from reading to the report files.
-#include <gmock/gmock.h>
+// The bundled examples solved from their case files by the driver, from
+// reading to the report files.  What each run prints and every report file it
+// writes stand in tests/data/golden/examples/<example>.txt, byte for byte but
+// for the clock (the elapsed time and the stamps of the report files).
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
+#include <set>
 
+#include "common/golden.hpp"
 #include "control/dcline.hpp"
 #include "driver/newlf.hpp"
 #include "report/area.hpp"
@@ -16,30 +17,61 @@
 namespace lf {
 namespace {
 
-namespace fs = std::filesystem;
+using test::printed;
 
-// Copies an example into a fresh directory, names it in NAME.INC and runs
-// the driver there.
-int32_t solve_example(const std::string& folder, const std::string& stem, fs::path& dir,
+// Copies an example into the (entered) scratch folder, names it in NAME.INC
+// and runs the driver there; `l7` replaces the area schedules.
+int32_t solve_example(const std::string& folder, const std::string& stem,
                       const std::string& l7 = "") {
-  dir = fs::path(test::temp_stem()).parent_path();
-  for (const auto& f :
-       fs::directory_iterator(fs::path(LF_TEST_DATA_DIR) / "../../examples" / folder))
-    fs::copy_file(f.path(), dir / f.path().filename());
-  test::write_file((dir / "NAME.INC").string(), "1\n" + stem + "\n");
-  if (!l7.empty()) test::write_file((dir / (stem + ".L7")).string(), l7);
-  const fs::path here = fs::current_path();
-  fs::current_path(dir);
-  test::capture_printing();
+  test::copy_folder("examples/" + folder, test::fs::current_path());
+  test::write_file("NAME.INC", "1\n" + stem + "\n");
+  if (!l7.empty()) test::write_file(stem + ".L7", l7);
+  test::capture_printed();
   int32_t convergent = -1;
   newlf(convergent);
-  fs::current_path(here);
+  test::stop_capture();
   return convergent;
 }
 
+// The printed lines, then each file the run of an example wrote, in name
+// order.
+std::string run_record(const std::string& folder) {
+  std::set<std::string> inputs{"NAME.INC"};
+  for (const auto& f :
+       test::fs::directory_iterator(test::fs::path(LF_TEST_DATA_DIR) / "../../examples" / folder))
+    inputs.insert(f.path().filename());
+  std::string all;
+  for (const std::string& l : printed)
+    if (l.rfind(" elapsed", 0) != 0) all += l + "\n";
+  std::set<std::string> written;
+  for (const auto& f : test::fs::directory_iterator("."))
+    if (!inputs.count(f.path().filename())) written.insert(f.path().filename());
+  for (const std::string& name : written) {
+    const std::size_t dot = name.rfind('.');
+    all += test::report_text(name.substr(0, dot), name.substr(dot));
+  }
+  return all;
+}
+
+class Example : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(Example, WritesWhatItWroteBefore) {
+  const auto [folder, stem] = GetParam();
+  test::ScratchFolder dir(true);
+  solve_example(folder, stem);
+  test::expect_golden(run_record(folder), std::string("examples/") + folder + ".txt");
+}
+
+INSTANTIATE_TEST_SUITE_P(Bundled, Example,
+                         testing::Values(std::pair{"areas", "AREAS"}, std::pair{"dclink", "DCLINK"},
+                                         std::pair{"ieee14", "IEEE14"},
+                                         std::pair{"ieee118", "IEEE118"},
+                                         std::pair{"substation", "SUBST"}),
+                         [](const auto& info) { return std::string(info.param.first); });
+
 TEST(WholeCase, DcLinkBalancesAtBothEnds) {
-  fs::path dir;
-  ASSERT_EQ(solve_example("dclink", "DCLINK", dir), 1);
+  test::ScratchFolder dir(true);
+  ASSERT_EQ(solve_example("dclink", "DCLINK"), 1);
   ASSERT_EQ(LFINF.ndcline, 2);
   const DCLFOPRec& op = DCLFOP;
   const int32_t a = NEW[NL4.I[1]], b = NEW[NL4.J[1]];
@@ -62,41 +94,32 @@ TEST(WholeCase, DcLinkBalancesAtBothEnds) {
     EXPECT_EQ(op.vaci[k], VPQ.V[a]);  // the last point follows the solution
   }
   EXPECT_EQ(op.pd2i[2], op.pd1i[2]);  // equal pole data: two equal poles
-  EXPECT_EQ(test::file_lines((dir / "DCLINK.LP4").string()).size(), 10u);
-  EXPECT_EQ(test::file_lines((dir / "DCLINK.nP4").string()).size(), 20u);
 }
 
 TEST(WholeCase, AreasReachTheirSchedules) {
-  fs::path dir;
-  ASSERT_EQ(solve_example("areas", "AREAS", dir), 1);
-  const auto tables = std::count(test::printed.begin(), test::printed.end(),
-                                 "               ***** AREA  INTERCHANGE RESULTS *****");
-  EXPECT_GE(tables, 2);
-  EXPECT_LE(tables, 10);
+  test::ScratchFolder dir(true);
+  ASSERT_EQ(solve_example("areas", "AREAS"), 1);
   EXPECT_EQ(adjflag, 0);
   for (int32_t i = 2; i <= 3; ++i)
     EXPECT_LE(std::fabs(LL7.p_schedule[i] - AREA.PACT[LL7.area_no[i]]), LL7.tolerance[i]);
   EXPECT_GT(L5.P[regulating_generator(2)], 1.0);  // east's generator moved up to export
-  EXPECT_EQ(test::file_lines((dir / "AREAS.LP7").string()).size(), 3u);
 }
 
 TEST(WholeCase, MissingRegulatingGeneratorEndsAtTheLimit) {
-  fs::path dir;
-  const int32_t convergent = solve_example("areas", "AREAS", dir,
-                                           "1 1 'WEST' 2 -1.0 10.0 4.0\n"
-                                           "1 2 'EAST' 3 0.5 0.005 4.0\n"
-                                           "1 3 'HILLS' 6 0.5 0.005 4.0\n");
-  EXPECT_EQ(convergent, 1);
-  const auto& p = test::printed;
-  EXPECT_EQ(std::count(p.begin(), p.end(), "  P Q Decoupled Iterative Process"), 11);
-  EXPECT_EQ(std::count(p.begin(), p.end(), "               ***** AREA  INTERCHANGE RESULTS *****"),
+  test::ScratchFolder dir(true);
+  EXPECT_EQ(solve_example("areas", "AREAS",
+                          "1 1 'WEST' 2 -1.0 10.0 4.0\n"
+                          "1 2 'EAST' 3 0.5 0.005 4.0\n"
+                          "1 3 'HILLS' 6 0.5 0.005 4.0\n"),
+            1);
+  EXPECT_EQ(test::count_printed("  P Q Decoupled Iterative Process"), 11);
+  EXPECT_EQ(test::count_printed("               ***** AREA  INTERCHANGE RESULTS *****"), 10);
+  EXPECT_EQ(test::count_printed("   Area No.=  3   Regulating GeneratorHILL-LOAD             "
+                                "Is not Exist !"),
             10);
-  EXPECT_EQ(std::count(p.begin(), p.end(),
-                       "   Area No.=  3   Regulating GeneratorHILL-LOAD        "
-                       "     Is not Exist !"),
-            10);
-  const auto limit = std::find(p.begin(), p.end(), "The Number Of Area Adjustment Hit Its Limit");
-  ASSERT_NE(limit, p.end());
+  const auto limit =
+      std::find(printed.begin(), printed.end(), "The Number Of Area Adjustment Hit Its Limit");
+  ASSERT_NE(limit, printed.end());
   EXPECT_EQ(*(limit + 1), "Area Interchange Will Not Be Readjusted");
 }
 

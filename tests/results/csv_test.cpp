@@ -26,7 +26,7 @@ TEST(CsvTables, MatchTheGoldenFiles) {
     for (const char* table :
          {"buses", "branches", "transformers", "generators", "loads", "dc_lines", "areas"}) {
       const std::string name = std::string(table) + ".csv";
-      EXPECT_EQ(file_text(dir + "/" + name), file_text(golden + "/" + name)) << name;
+      EXPECT_EQ(read_file(dir + "/" + name), read_file(golden + "/" + name)) << name;
     }
   }
 }
@@ -53,12 +53,12 @@ TEST(CsvTables, BusNumbersLostToAsterisksComeBack) {
   int status = -1;
   output_of(kBin + "/lfreport wide/W --csv wide/csv", status);
   ASSERT_EQ(status, 0);
-  EXPECT_EQ(file_text("wide/csv/buses.csv"),
+  EXPECT_EQ(read_file("wide/csv/buses.csv"),
             "bus,source_bus,name,area,base_kv,v_pu,angle_deg,vmin_pu,vmax_pu\n"
             "1,,\"A\",1,110,1,0,0.9,1.1\n"
             "2,,\"LONE\",1,110,,,0.9,1.1\n"
             "3,,\"C\",1,110,0.987654321,-1.2345678901,0.9,1.1\n");
-  EXPECT_NE(file_text("wide/csv/branches.csv").find("\n1,3,7,,,\"A\",\"C\",12.34567,-0.12345,"),
+  EXPECT_NE(read_file("wide/csv/branches.csv").find("\n1,3,7,,,\"A\",\"C\",12.34567,-0.12345,"),
             std::string::npos);
 }
 

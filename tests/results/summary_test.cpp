@@ -88,8 +88,8 @@ TEST(Summary, SourceBusNumbersFromTheMap) {
       << out;
   EXPECT_NE(out.find("  line 1001-1002 No 1 "), std::string::npos);
   output_of(kBin + "/lfreport " + stem + " --csv csv14", status);
-  EXPECT_NE(file_text("csv14/buses.csv").find("\n3,1003,\"Bus 3     HV\","), std::string::npos);
-  EXPECT_NE(file_text("csv14/branches.csv").find("\n1,2,1,1001,1002,"), std::string::npos);
+  EXPECT_NE(read_file("csv14/buses.csv").find("\n3,1003,\"Bus 3     HV\","), std::string::npos);
+  EXPECT_NE(read_file("csv14/branches.csv").find("\n1,2,1,1001,1002,"), std::string::npos);
 }
 
 // A generator that the reactive limits stopped stands in the summary with

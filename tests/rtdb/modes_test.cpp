@@ -40,30 +40,20 @@ class ModesTest : public TestDb, public testing::WithParamInterface<const char*>
   void SetUp() override {
     TestDb::SetUp();  // only for its file name and session handling
     fs::remove(path_);
-    work_ = path_.string() + ".dir";
-    fs::remove_all(work_);
-    fs::create_directories(work_);
-    old_ = fs::current_path();
   }
   void TearDown() override {
-    fs::current_path(old_);
-    fs::remove_all(work_);
     RTDBLSCMN = RTDBLSCMNRec{};
     TestDb::TearDown();
   }
-  fs::path work_, old_;
+  ScratchFolder work_{true};
 };
 
 TEST_P(ModesTest, FileAndDatabaseGiveTheSameSolution) {
-  fs::path repo = fs::path(LF_TEST_DATA_DIR).parent_path().parent_path();
-  fs::path example = repo / "examples" / GetParam();
+  copy_folder(std::string("examples/") + GetParam(), ".");
   std::string stem;
-  for (const auto& e : fs::directory_iterator(example)) {
-    fs::copy(e.path(), work_);
+  for (const auto& e : fs::directory_iterator("."))
     if (e.path().extension() == ".L0") stem = e.path().stem().string();
-  }
-  fs::current_path(work_);
-  std::ofstream("NAME.INC") << "1\n" << stem << "\n";
+  write_file("NAME.INC", "1\n" + stem + "\n");
 
   RTDBLSCMN = RTDBLSCMNRec{};
   int32_t file_converged = 0;

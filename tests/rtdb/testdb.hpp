@@ -4,42 +4,27 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "cli.h"
+#include "common/files.hpp"
 
 namespace lf::test {
 
 inline std::string schema_text() {
-  auto repo = std::filesystem::path(LF_TEST_DATA_DIR).parent_path().parent_path();
-  std::ifstream in(repo / "src" / "rtdb" / "schema.sql");
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
+  return read_file(std::filesystem::path(LF_TEST_DATA_DIR) / "../../src/rtdb/schema.sql");
 }
 
 class TestDb : public ::testing::Test {
  protected:
   void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = "lfrtdb_" + std::to_string(getpid()) + "_" + info->test_suite_name() + "_" +
-                       info->name() + ".db";
-    std::replace(name.begin(), name.end(), '/', '_');
-    path_ = std::filesystem::temp_directory_path() / name;
     std::string schema = schema_text();
     ASSERT_FALSE(schema.empty());
     sql("BEGIN;" + schema + "COMMIT;");
   }
   void TearDown() override {
     if (session_ > 0) cli_close(session_);
-    std::filesystem::remove(path_);
-    std::filesystem::remove(path_.string() + "-journal");
   }
   // Runs SQL on a connection of its own, outside the session.
   void sql(const std::string& text) {
@@ -80,7 +65,8 @@ class TestDb : public ::testing::Test {
     return session_;
   }
 
-  std::filesystem::path path_;
+  ScratchFolder dir_;
+  std::filesystem::path path_ = dir_.path() / "case.db";
   int session_ = 0;
 };
 

@@ -5,21 +5,20 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 
+#include "common/files.hpp"
 #include "support/fmt.hpp"
 #include "support/freeread.hpp"
 
 namespace lf {
 namespace {
 
+// A file of the given text in the working folder (the program's scratch folder).
 std::string write_temp(const std::string& name, const std::string& text) {
-  auto path = std::filesystem::temp_directory_path() / ("lf_textio_" + name);
-  std::ofstream(path, std::ios::binary) << text;
-  return path.string();
+  test::write_file(name, text);
+  return name;
 }
 
 TEST(FreeReader, ReadsValuesAcrossLinesWithQuotesCommasAndRepeats) {

@@ -3,24 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+
+#include "common/files.hpp"
 
 namespace lf {
 namespace {
 
-std::string tmp_path(const char* name) {
-  return (std::filesystem::temp_directory_path() / name).string();
-}
-
-std::string slurp(const std::string& p) {
-  std::ifstream f(p, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(f), {});
-}
+using test::read_file;
 
 TEST(Units, StatusesRewindAndDelete) {
-  std::string p = tmp_path("lf_units_lines.txt");
+  std::string p = "lf_units_lines.txt";
   std::remove(p.c_str());
   EXPECT_FALSE(unit_open(12, p, FileStatus::Old));
   ASSERT_TRUE(unit_open(12, p, FileStatus::New));
@@ -38,15 +30,15 @@ TEST(Units, StatusesRewindAndDelete) {
   EXPECT_FALSE(unit_open(12, p, FileStatus::New));  // exists already
   ASSERT_TRUE(unit_open(7, p, FileStatus::Old));
   unit_close(7, true);
-  EXPECT_FALSE(std::filesystem::exists(p));
+  EXPECT_FALSE(test::fs::exists(p));
   ASSERT_TRUE(unit_open(8, p, FileStatus::Replace));
   unit_close(8);
-  EXPECT_EQ(slurp(p), "");
+  EXPECT_EQ(read_file(p), "");
   std::remove(p.c_str());
 }
 
 TEST(Units, UnformattedRecordsCarryLengthMarks) {
-  std::string p = tmp_path("lf_units_rec.bin");
+  std::string p = "lf_units_rec.bin";
   ASSERT_TRUE(unit_open(71, p, FileStatus::Replace, FileForm::Unformatted));
   std::vector<unsigned char> rec;
   put_i4(rec, -2);
@@ -64,26 +56,26 @@ TEST(Units, UnformattedRecordsCarryLengthMarks) {
   EXPECT_EQ(get_r8(back.data() + 8), 0.1);
   EXPECT_FALSE(unit_read_record(71, back));
   unit_close(71);
-  std::string bytes = slurp(p);
+  std::string bytes = read_file(p);
   ASSERT_EQ(bytes.size(), 26u);
   EXPECT_EQ(bytes.substr(0, 4), std::string("\x12\0\0\0", 4));
   EXPECT_EQ(bytes.substr(22, 4), std::string("\x12\0\0\0", 4));
   EXPECT_EQ(bytes.substr(4, 4), std::string("\xfe\xff\xff\xff", 4));
 
   // A record cut short is refused, not read past its end.
-  std::ofstream(p, std::ios::binary) << std::string("\xff\xff\0\0abc", 7);
+  test::write_file(p, std::string("\xff\xff\0\0abc", 7));
   ASSERT_TRUE(unit_open(71, p, FileStatus::Old, FileForm::Unformatted));
   EXPECT_FALSE(unit_read_record(71, back));
   unit_close(71, true);
 }
 
 TEST(Units, StreamsAreBareBytes) {
-  std::string p = tmp_path("lf_units_stream.bin");
+  std::string p = "lf_units_stream.bin";
   ASSERT_TRUE(unit_open(9, p, FileStatus::Replace, FileForm::Stream));
   float v[2] = {1.0f, -2.0f};
   ASSERT_TRUE(unit_write_bytes(9, v, sizeof v));
   unit_close(9);
-  EXPECT_EQ(slurp(p).size(), 8u);
+  EXPECT_EQ(read_file(p).size(), 8u);
   ASSERT_TRUE(unit_open(9, p, FileStatus::Old, FileForm::Stream));
   float w[2] = {0, 0};
   ASSERT_TRUE(unit_read_bytes(9, w, sizeof w));

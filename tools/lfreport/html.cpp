@@ -16,7 +16,7 @@ svg.plot{width:100%;max-width:900px;display:block;margin:1em 0;border:1px solid 
 .grid{stroke:#eee}.limit{fill:none;stroke:#c33;stroke-dasharray:4 3}
 .join{fill:none;stroke:#99b}.mark{fill:#2a6fb0}
 table{border-collapse:collapse;margin:1em 0;font-size:13px}
-th,td{border:1px solid #ccc;padding:2px 6px}td.n{text-align:right}
+th,td{border:1px solid #ccc;padding:2px 6px;white-space:pre}td.n{text-align:right}
 th{background:#eef;cursor:pointer;user-select:none}
 th[aria-sort=ascending]::after{content:" \25B2"}th[aria-sort=descending]::after{content:" \25BC"}
 )";

@@ -8,7 +8,9 @@ namespace {
 
 constexpr double kWidth = 900, kHeight = 280;
 constexpr double kLeft = 70, kRight = 20, kTop = 30, kBottom = 40;
-constexpr double kLogFloor = 1e-16;  // a value at or below 0 on a log scale stands here
+// A value at or below 0 on a log scale stands here: the iteration tables
+// print six decimals, so their smallest value above 0 is 1e-6.
+constexpr double kLogFloor = 1e-7;
 
 std::string num(double v) {
   char buf[32];
@@ -72,14 +74,20 @@ std::string svg(const Plot& p) {
                   std::to_string(p.y.size()) + "\" viewBox=\"0 0 " + num(kWidth) + " " +
                   num(kHeight) + "\" role=\"img\"><title>" + escaped(p.title) + "</title>";
   s += "<text x=\"" + num(kLeft) + "\" y=\"18\" class=\"ptitle\">" + escaped(p.title) + "</text>";
-  // Axes with five labelled levels.
-  for (int k = 0; k <= 4; ++k) {
-    const double v = lo + (hi - lo) * k / 4;
+  // Five labelled levels, or on a log scale the whole powers of ten.
+  std::vector<double> levels;
+  if (p.log_scale) {
+    const double step = std::max(1.0, std::ceil((hi - lo) / 5));
+    for (double e = std::ceil(lo); e <= hi; e += step) levels.push_back(e);
+  } else {
+    for (int k = 0; k <= 4; ++k) levels.push_back(lo + (hi - lo) * k / 4);
+  }
+  for (double v : levels) {
     const double y = kTop + (hi - v) / (hi - lo) * (kHeight - kTop - kBottom);
     s += "<line class=\"grid\" x1=\"" + num(kLeft) + "\" x2=\"" + num(kWidth - kRight) +
          "\" y1=\"" + num(y) + "\" y2=\"" + num(y) + "\"/>";
     s += "<text class=\"tick\" x=\"" + num(kLeft - 6) + "\" y=\"" + num(y + 4) + "\">" +
-         escaped(p.log_scale ? "1e" + label(std::round(v)) : label(v)) + "</text>";
+         escaped(p.log_scale ? "1e" + label(v) : label(v)) + "</text>";
   }
   s += "<text class=\"axis\" x=\"14\" y=\"" + num(kHeight / 2) + "\" transform=\"rotate(-90 14 " +
        num(kHeight / 2) + ")\">" + escaped(p.y_label) + "</text>";
