@@ -45,11 +45,4 @@ inline std::pair<double, double> run_block(int32_t type, int32_t mode,
   return {UDXY.Y[1], UDXY.DY[1]};
 }
 
-inline std::string slurp(const std::string& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
 }  // namespace lf::test

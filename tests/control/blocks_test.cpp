@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/files.hpp"
 #include "control/blockbench.hpp"
 
 namespace lf::test {
@@ -276,7 +277,7 @@ TEST(Blocks, WarningsOnTheErrorList) {
     run_block(r.type, r.mode, r.par, {.x1 = r.x});  // written at every pass
     errlist_close();
     const std::string line = std::string(r.text) + "\n";
-    EXPECT_EQ(slurp("LFERR.LIS"), " ****** Operation Error Information ******\n" + line + line)
+    EXPECT_EQ(read_file("LFERR.LIS"), " ****** Operation Error Information ******\n" + line + line)
         << r.text;
   }
   // The filter warns in the time-step form only; a guarded RAMP still
@@ -285,7 +286,7 @@ TEST(Blocks, WarningsOnTheErrorList) {
   errlist_open();
   run_block(51, 1, {0, 1, 1}, {.x1 = 1});
   errlist_close();
-  EXPECT_EQ(slurp("LFERR.LIS"), " ****** Operation Error Information ******\n");
+  EXPECT_EQ(read_file("LFERR.LIS"), " ****** Operation Error Information ******\n");
 }
 
 TEST(Blocks, CompactTextOfAReal) {

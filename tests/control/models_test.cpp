@@ -11,6 +11,7 @@
 #include <fstream>
 #include <string>
 
+#include "common/files.hpp"
 #include "control/blockbench.hpp"
 #include "control/udeval.hpp"
 #include "control/udmodel.hpp"
@@ -22,10 +23,6 @@
 
 namespace lf::test {
 namespace {
-
-void write(const std::string& path, const std::string& text) {
-  std::ofstream(path) << text;
-}
 
 int count_of(const std::string& text, char c) {
   return static_cast<int>(std::count(text.begin(), text.end(), c));
@@ -55,14 +52,14 @@ const char* kLibrary =
     "21 22 23 24\n";
 
 TEST(Models, InputAndArrangement) {
-  write("LIB.DLF", kLibrary);
+  write_file("LIB.DLF", kLibrary);
   // A row of mark 0 leaves no gap; group 0 is group 1; a line comes first
   // in the location list; 6009 is in neither library.
-  write("CASE.L9",
-        "0 1 2 5 0 0 0 0 0 0 0 0 0 0\n"
-        "1 1 0 5 0.1 0.2 0.3 0 0 7 2 6 0 8\n"
-        "1 1 2 6 0 0 0 0 0 0 0 0 0 0\n"
-        "1 9 1 5 0 0 0 0 0 0 0 0 0 0\n");
+  write_file("CASE.L9",
+             "0 1 2 5 0 0 0 0 0 0 0 0 0 0\n"
+             "1 1 0 5 0.1 0.2 0.3 0 0 7 2 6 0 8\n"
+             "1 1 2 6 0 0 0 0 0 0 0 0 0 0\n"
+             "1 9 1 5 0 0 0 0 0 0 0 0 0 0\n");
   LFINF.ngenerat = LFINF.nload = LFINF.nacline = LFINF.ntrans = 0;
   NU.nl9 = 4;
   errlist_open();
@@ -82,7 +79,7 @@ TEST(Models, InputAndArrangement) {
   EXPECT_EQ(loc1, 5);
   resolve(1, 3, loc1, loc2);
   EXPECT_EQ(loc1, 8);
-  EXPECT_EQ(slurp("LFERR.LIS"),
+  EXPECT_EQ(read_file("LFERR.LIS"),
             " ****** Operation Error Information ******\nU.D Modle 6009 is not in LIB" +
                 std::string(57, ' ') + ".DLF & SYSMODEL.DLF\n");
   // One reading of the section serves both instances, each with its own
@@ -141,41 +138,41 @@ TEST(Models, OutputsActOnTheNetwork) {
 // A whole calculation with recording: six instances record 41 values, all
 // write interface variable 1 at bus 2, and one changes the ratio of line 7.
 TEST(Models, RecordingFilesOfACalculation) {
-  write("CASE.L0", "2 1 0 0 1 1 0 6 0 0 0\n100 1.1 0.9 1e-8 1 50 0 1 0 0\n");
-  write("CASE.L1", "'A' 100 1 110 90\n'B' 100 1 110 90\n");
-  write("CASE.L2", "1 1 2 7 0.01 0.1 0 0 0 0 0 0 0\n");
-  write("CASE.L5", "1 1 0 0 0 1 0 9 -9 9 -9 0 0 0 0\n");
-  write("CASE.L6", "1 2 1 1 0.5 0.2 1 0 0 0 0 0 0 0 0 0\n");
+  write_file("CASE.L0", "2 1 0 0 1 1 0 6 0 0 0\n100 1.1 0.9 1e-8 1 50 0 1 0 0\n");
+  write_file("CASE.L1", "'A' 100 1 110 90\n'B' 100 1 110 90\n");
+  write_file("CASE.L2", "1 1 2 7 0.01 0.1 0 0 0 0 0 0 0\n");
+  write_file("CASE.L5", "1 1 0 0 0 1 0 9 -9 9 -9 0 0 0 0\n");
+  write_file("CASE.L6", "1 2 1 1 0.5 0.2 1 0 0 0 0 0 0 0 0 0\n");
   std::string rows;
   for (int k = 0; k < 5; ++k) rows += "1 3 1 2 0 0 0 0 0 0 0 0 0 0\n";
   rows += "1 4 1 2 0 0 0 0 0 7 0 0 0 0\n";
-  write("CASE.L9", rows);
+  write_file("CASE.L9", rows);
   std::string lib = "6003 8 1 1\n";
   for (int b = 1; b <= 8; ++b)
     lib += std::to_string(b) + " " + std::to_string(b) + " 0 8 0 0 0 0 201 0 'V" +
            std::to_string(b) + "' 0 0 0 1 0 0 0 0 0 0 1\n";
   lib += "0.5\n6004 1 1 1\n1 1 0 8 0 0 0 0 19 0 'R' 0 0 0 1 0 0 0 0 0 0 1\n1.0\n";
-  write("UDLIB.DLF", lib);
+  write_file("UDLIB.DLF", lib);
   std::filesystem::remove("NAME.INC");
-  write("NAME.INC", "1\nCASE\n\nDATALIB\n\n\n\n\nUDLIB\n");
+  write_file("NAME.INC", "1\nCASE\n\nDATALIB\n\n\n\n\nUDLIB\n");
   prnon = 0;
   int32_t convergent = 0;
   newlf(convergent);
   EXPECT_EQ(convergent, 1);
-  const std::string fl1 = slurp("FL1.DAT"), fl2 = slurp("FL2.DAT");
+  const std::string fl1 = read_file("FL1.DAT"), fl2 = read_file("FL2.DAT");
   const int sets = count_of(fl1, '\n');
   EXPECT_GT(sets, 0);
   EXPECT_EQ(count_of(fl1, ','), 40 * sets);
   EXPECT_EQ(count_of(fl2, ','), sets);
   EXPECT_EQ(std::filesystem::file_size("LFUDOUT.DDD"), 41u * 4 * static_cast<unsigned>(sets));
-  EXPECT_EQ(count_of(slurp("FUDLF.INF"), '\n'), 6);
-  EXPECT_EQ(slurp("FUDLF.INF").substr(0, 43), "      1,  6003,     2,     2,     0,     8,");
-  EXPECT_EQ(slurp("TMUD.DAT"),
+  EXPECT_EQ(count_of(read_file("FUDLF.INF"), '\n'), 6);
+  EXPECT_EQ(read_file("FUDLF.INF").substr(0, 43), "      1,  6003,     2,     2,     0,     8,");
+  EXPECT_EQ(read_file("TMUD.DAT"),
             "   2,      .5,      0.,      0.,      0.,      0.,      0.,      0.,"
             "      0.,      0.,      0.,\n");
-  EXPECT_EQ(slurp("CASE.CAL").substr(0, 7), "  1, 1,");
-  EXPECT_EQ(slurp("CASE.UDP"), "           6\n");
-  EXPECT_EQ(slurp("CASE.L2").substr(0, 20), "  1,   1,   2,   7, ");
+  EXPECT_EQ(read_file("CASE.CAL").substr(0, 7), "  1, 1,");
+  EXPECT_EQ(read_file("CASE.UDP"), "           6\n");
+  EXPECT_EQ(read_file("CASE.L2").substr(0, 20), "  1,   1,   2,   7, ");
 }
 
 }  // namespace

@@ -147,6 +147,14 @@ TEST_F(NewtonTest, EachMethodSolvesTheCaseWithItsTable) {
     const double v = VPQ.V[NEW[4]];
     EXPECT_NEAR(VPQ.PL[NEW[4]], 0.4 * ((0.3 * v) * v + 0.3 * v + 0.4), 1e-12);
   }
+  // With four times the load at bus 3 the optimum factors stand well away
+  // from 1 (0.9188, 1.1617): each is the root of its cubic, not a first step.
+  load_case(1e-9, 20);
+  L6.P[1] *= 4, L6.Q[1] *= 4;
+  printed.clear();
+  int32_t status = -1;
+  optimu(status);
+  for (const auto& l : printed) tables += l + "\n";
   test::expect_golden(tables, "methods/newton_tables.txt");
 }
 
@@ -170,18 +178,21 @@ TEST_F(NewtonTest, NewtonWithTheDecoupledStartKeepsItsStatus) {
   EXPECT_EQ(test::count_printed(""), 2);
 }
 
-TEST_F(NewtonTest, SecondPassStartsFlatWithTheWidenedTolerance) {
-  load_case(1e-9, 1);
+TEST_F(NewtonTest, SecondPassStartsFlatAndStopsATenthAboveTheBest) {
+  // Six times the load at bus 3 has no solution: the first pass wanders to
+  // its limit of twelve, best at T = 6 (0.111328).  The second repeats it
+  // from the flat start and stops at T = 4 (0.117796), the first correction
+  // within a tenth above that best.
+  load_case(1e-9, 12);
+  L6.P[1] *= 6, L6.Q[1] *= 6;
   int32_t status = -1;
   newton(status);
   EXPECT_EQ(status, 0);
   EXPECT_EQ(test::count_printed("  Newton Method (Power Equation) Iterative Process"), 2);
-  // The second pass repeats the first from the flat start and stops on the
-  // best correction of the first pass.
   const auto rows = rows_of(printed);
-  ASSERT_EQ(rows.size(), 4u);
-  EXPECT_EQ(rows[2], rows[0]);
-  EXPECT_EQ(rows[3], rows[1]);
+  ASSERT_EQ(rows.size(), 13u + 5u);
+  for (std::size_t r = 0; r < 5; ++r) EXPECT_EQ(rows[13 + r], rows[r]);
+  EXPECT_EQ(rows[6].second.substr(22), "    0.111328");
 }
 
 TEST_F(NewtonTest, EscapeStopsTheIterationWithStatusZero) {

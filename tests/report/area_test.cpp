@@ -104,6 +104,9 @@ TEST_F(AreaCase, LossOnFirstAreaAndToleranceBoundary) {
   EXPECT_EQ(run(), 1);
   EXPECT_NEAR(L5.P[1], 2.1, 1e-15);  // moved by the whole difference
   EXPECT_NEAR(L5.P[2], 2.0, 1e-15);
+  // A generator moved exactly onto its limit is within it.
+  LL7.pmax[1] = L5.P[1] + (LL7.p_schedule[1] - AREA.PACT[1]);
+  EXPECT_EQ(run(), 1);
 }
 
 TEST_F(AreaCase, MissingGeneratorAndNegativeOutput) {

@@ -9,10 +9,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "cli.h"
+#include "common/files.hpp"
 #include "rtdb/rtdb.hpp"
 #include "store/store.hpp"
 
@@ -86,18 +86,11 @@ std::string dump(const fs::path& file) {
   return out;
 }
 
-std::string slurp(const fs::path& file) {
-  std::ifstream f(file, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(f), {});
-}
-
 // Runs a command: its exit status, with standard output and error in out.
 int run(const std::string& command, std::string& out) {
-  std::FILE* p = popen((command + " 2>&1").c_str(), "r");
-  char buf[4096];
-  for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) out.append(buf, n);
-  int s = pclose(p);
-  return WIFEXITED(s) ? WEXITSTATUS(s) : -1;
+  int status = -1;
+  out += output_of(command + " 2>&1", status);
+  return status;
 }
 
 const std::string kBin = LF_BINARY_DIR;
@@ -136,7 +129,7 @@ TEST_P(DamagedDatabase, EndsWithAReasonAndLeavesEveryTable) {
   }
   if (name == "not_a_database") std::ofstream("case.db") << "IEEE 14-bus case, as text\n";
   // The rows of every table, or the bytes of what is no database.
-  auto state = [&] { return name == "not_a_database" ? slurp("case.db") : dump("case.db"); };
+  auto state = [&] { return name == "not_a_database" ? read_file("case.db") : dump("case.db"); };
   const std::string before = state();
 
   std::string out;

@@ -22,7 +22,8 @@ std::string write_temp(const std::string& name, const std::string& text) {
 }
 
 TEST(FreeReader, ReadsValuesAcrossLinesWithQuotesCommasAndRepeats) {
-  FreeReader r(write_temp("a", "1, 2.5 'it''s a name' \"dq\"\n  -3\r\n4*7 2*, 9\nnext line\n"));
+  FreeReader r(
+      write_temp("a", "1, 2.5 'it''s a name' \"dq\"\n  -3\r\n4*7 2*, 9\nnext line\n'q''\nx'"));
   int32_t a = 0, c = 0;
   double b = 0;
   Text<8> name;
@@ -43,6 +44,9 @@ TEST(FreeReader, ReadsValuesAcrossLinesWithQuotesCommasAndRepeats) {
   std::string rest;
   ASSERT_TRUE(r.line(rest));
   EXPECT_EQ(rest, "next line");
+  // A doubled quote at the end of a line; the text goes on in the next.
+  ASSERT_TRUE(r(rest));
+  EXPECT_EQ(rest, "q'x");
   EXPECT_FALSE(r(a));
 }
 

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "common/files.hpp"
+#include "common/lines.hpp"
 #include "driver/newlf.hpp"
 #include "io/channels.hpp"
 #include "sparse/ymatrix.hpp"
@@ -30,18 +32,7 @@ using cplx = std::complex<double>;
 
 const fs::path kExamples = fs::path(LF_TEST_DATA_DIR) / ".." / ".." / "examples";
 
-std::vector<std::string> printed;
-int keep(const char* line) {
-  printed.emplace_back(line);
-  return 0;
-}
-
-std::vector<std::string> lines_of(const fs::path& p) {
-  std::ifstream in(p);
-  std::vector<std::string> out;
-  for (std::string l; std::getline(in, l);) out.push_back(l);
-  return out;
-}
+using test::printed;
 void write_lines(const fs::path& p, const std::vector<std::string>& lines) {
   std::ofstream out(p);
   for (const auto& l : lines) out << l << "\n";
@@ -67,7 +58,7 @@ std::string num(double v) {
 // Line 2 of .L0 with the method, an iteration limit of 200 and the model
 // switch set.
 void set_run(const fs::path& l0, int method, int ctrl_ud) {
-  auto lines = lines_of(l0);
+  auto lines = test::file_lines(l0);
   auto f = fields(lines[1]);
   f[4] = std::to_string(method);
   f[5] = "200";
@@ -96,12 +87,10 @@ State solve(const fs::path& dir, const std::string& stem) {
   std::ofstream(dir / "NAME.INC") << "1\n" << stem << "\n\nDATALIB\n\n\n\n\nUDLIB\n";
   const fs::path home = fs::current_path();
   fs::current_path(dir);
-  printed.clear();
-  prnon = 1;
-  prnfunc = reinterpret_cast<intptr_t>(&keep);
+  test::capture_printed();
   State s;
   newlf(s.convergent);
-  prnon = 0;
+  test::stop_capture();
   fs::current_path(home);
   for (int32_t b = 1; b <= LFINF.nbus; ++b) {
     s.v.push_back(VPQ.V[NEW[b]]);
@@ -271,7 +260,7 @@ const Example kStandardModels[] = {
 void put_row(const fs::path& dir, const Example& ex) {
   if (ex.ext == nullptr) return;
   const fs::path file = dir / (std::string(ex.stem) + "." + ex.ext);
-  auto lines = lines_of(file);
+  auto lines = test::file_lines(file);
   bool found = false;
   for (auto& l : lines)
     if (l == ex.row) l = ex.controlled, found = true;
@@ -286,7 +275,7 @@ void put_row(const fs::path& dir, const Example& ex) {
 // models' injections taken into the load rows; the branch files hold the final data already
 // (rewritten at the end of the run).
 void freeze(const fs::path& dir, const std::string& stem) {
-  auto l5 = lines_of(dir / (stem + ".L5"));
+  auto l5 = test::file_lines(dir / (stem + ".L5"));
   int32_t g = 0;
   for (auto& l : l5) {
     auto f = fields(l);
@@ -296,7 +285,7 @@ void freeze(const fs::path& dir, const std::string& stem) {
     l = join(f);
   }
   write_lines(dir / (stem + ".L5"), l5);
-  auto l6 = lines_of(dir / (stem + ".L6"));
+  auto l6 = test::file_lines(dir / (stem + ".L6"));
   int32_t d = 0;
   for (auto& l : l6) {
     auto f = fields(l);
