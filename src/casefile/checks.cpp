@@ -59,10 +59,10 @@ void repair_bus_limits(int32_t i) {
 }
 
 void fold_mode_ctrl(int32_t& mode_ctrl) {
-  if (mode_ctrl == -4 || mode_ctrl == -6)
-    mode_ctrl = -1;
-  else if (mode_ctrl == -5 || mode_ctrl == -7 || mode_ctrl == -8)
-    mode_ctrl = 1;
+  if (mode_ctrl == kTypeModel4 || mode_ctrl == kTypeModel6)
+    mode_ctrl = kTypePV;
+  else if (mode_ctrl == kTypeModel5 || mode_ctrl == kTypeModel7 || mode_ctrl == kTypeModel8)
+    mode_ctrl = kTypePQ;
 }
 
 void clamp_counts() {
@@ -154,7 +154,7 @@ void isrlib(int32_t& flag) {
   ABCLC.bq[1] = 0.0;
   ABCLC.cq[1] = 1.0;
   for (int32_t d = 1; d <= LFINF.nload; ++d) {
-    if (L6.mode_ctrl[d] > 1) {
+    if (L6.mode_ctrl[d] >= kTypeFirstLoadSet) {
       flag = 1;
       return;
     }

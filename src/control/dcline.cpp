@@ -4,16 +4,14 @@
 
 #include "sparse/ymatrix.hpp"
 #include "store/vpq.hpp"
+#include "support/angles.hpp"
 
 namespace lf {
 
 namespace {
 
 constexpr double kInductanceAt50Hz = 0.0031830988614222804;  // 1 / (2 pi 50)
-constexpr double kBridgeFactor = 1.350474473703044;          // 3 sqrt 2 / pi
 constexpr double kThreeOverPi = 3 * 0.31830988614222805;
-constexpr double kDegToRad = 0.017453292520882225;
-constexpr double kRadToDeg = 57.29577951;
 constexpr double kVoltageLow = 0.800000011920929;  // window in which a line follows the AC voltages
 constexpr double kVoltageHigh = 1.2000000476837158;
 constexpr double kNoData = 0.000000001;
@@ -142,8 +140,8 @@ void dcsub(int32_t k, double rdc, double& vdi, double id, double& alpha, double 
   const double vai = DCLFOP.vaci[k] = VPQ.V[NEW[NL4.I[k]]];
   const double vaj = DCLFOP.vacj[k] = VPQ.V[NEW[NL4.J[k]]];
   const double xci = DCLFPU.xci[k], xcj = DCLFPU.xcj[k];
-  double ca = std::cos(kDegToRad * alpha);
-  const double cg = std::cos(kDegToRad * gamma);
+  double ca = std::cos(kDegToRadDc * alpha);
+  const double cg = std::cos(kDegToRadDc * gamma);
 
   // Firing and extinction angles fixed: the taps follow from the voltages.
   double ei = (kThreeOverPi * xci * id + vdi) / ca;
@@ -186,7 +184,7 @@ void dcsub(int32_t k, double rdc, double& vdi, double id, double& alpha, double 
     ii = id / tki;
     ca = (id * kThreeOverPi * xci + vdi) / ei;
     if (std::fabs(ca) > 1) ca = ca > 0 ? 1 : -1;
-    alpha = std::acos(ca) * kRadToDeg;
+    alpha = std::acos(ca) * kRadToDegDc;
   }
 
   const double hi = vdi / ei, hj = vdj / ej;  // power factors of the converters

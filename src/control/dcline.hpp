@@ -10,6 +10,10 @@
 
 namespace lf {
 
+// 3 sqrt 2 / pi, the ratio of a six-pulse bridge's ideal DC voltage to its AC
+// line voltage, as the converter model and the converter tap both use it.
+constexpr double kBridgeFactor = 1.350474473703044;
+
 struct DCBASERec {         // base values of each line
   Arr<double> vbi, vbj;    // AC base voltages of the two ends, kV
   Arr<double> vdb;         // DC base voltage, kV

@@ -131,7 +131,7 @@ void rl9(const CaseName& casename) {
 
 void addl9() {
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g)
-    if (L5.mode_ctrl[g] <= -4) add_unit(true, L5.ibs[g], L5.mode_ctrl[g], L5P, g);
+    if (L5.mode_ctrl[g] <= kTypeModel4) add_unit(true, L5.ibs[g], L5.mode_ctrl[g], L5P, g);
   for (int32_t d = 1; d <= LFINF.nload; ++d) {
     int32_t& mode = L6.mode_ctrl[d];
     if (mode > -4) continue;

@@ -10,15 +10,13 @@
 #include "store/lfudot.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
+#include "support/angles.hpp"
 #include "support/fmt.hpp"
 
 namespace lf {
 
 namespace {
 
-// Degrees in a radian and the reverse, as single-precision values.
-constexpr double kRadToDeg = 57.2957795;
-constexpr double kDegToRadian = 0.0174532925239284;
 // Below this a ratio counts as 1, an impedance as this.
 constexpr double kMinRatio = 0.0001;
 constexpr double kTinyZ = 1.0E-20;
@@ -116,7 +114,7 @@ void fmlfin(int32_t code, int32_t loc1, int32_t loc2, double& value) {
         value = VPQ.V[i];
         return;
       case 2:
-        value = kRadToDeg * VPQ.TH[i];
+        value = kRadToDegShort * VPQ.TH[i];
         return;
       case 3:
         value = VPQ.E[i];
@@ -243,7 +241,7 @@ void dwout(int32_t first, int32_t last) {
         } else if (k == 2) {
           if (g) L5.Angle[g] = v;
           if (l) L6.Angle[l] = v;
-          VPQ.TH[i] = kDegToRadian * v;
+          VPQ.TH[i] = kDegToRadSingle * v;
         } else {
           if (g) L5.mode_ctrl[g] = bus_type(v, 0.001);
           if (l) L6.mode_ctrl[l] = bus_type(v, 0.001);
@@ -315,11 +313,11 @@ void dwout(int32_t first, int32_t last) {
     if (LFUDOT.UDOTYP[n] != 15) continue;
     const int32_t t = bus_type(LFUDOT.UDOVAL[n], 0.01);
     const int32_t i = internal(LFUDOT.UDOLOC1[n]), g = gen_at(i), l = load_at(i);
-    if (t <= 0) {
+    if (t <= kTypeSlack) {
       if (g) VPQ.V[i] = L5.V[g];
       if (l) VPQ.V[i] = L6.V[l];
-      if (t == 0 && g) VPQ.TH[i] = kDegToRadian * L5.Angle[g];
-      if (t == 0 && l) VPQ.TH[i] = kDegToRadian * L6.Angle[l];
+      if (t == kTypeSlack && g) VPQ.TH[i] = kDegToRadSingle * L5.Angle[g];
+      if (t == kTypeSlack && l) VPQ.TH[i] = kDegToRadSingle * L6.Angle[l];
     }
     set_ef(i);
   }

@@ -50,28 +50,28 @@ void glpos() {
     const int32_t gt = L5.mode_ctrl[g];
     int32_t& lt = L6.mode_ctrl[l];
     if (gt == lt) {
-      if (gt == 0) {
+      if (gt == kTypeSlack) {
         L6.V[l] = L5.V[g];
         L6.Angle[l] = L5.Angle[g];
-      } else if (gt == -1) {
+      } else if (gt == kTypePV) {
         L6.V[l] = L5.V[g];
       }
-    } else if (gt == 0) {
-      lt = 0;
+    } else if (gt == kTypeSlack) {
+      lt = kTypeSlack;
       L6.V[l] = L5.V[g];
       L6.Angle[l] = L5.Angle[g];
-    } else if (gt == -1 || gt == -2) {
+    } else if (gt == kTypePV || gt == kTypePVQlim) {
       lt = gt;
       L6.V[l] = L5.V[g];
-    } else if (gt == -4 || gt == -6) {
+    } else if (gt == kTypeModel4 || gt == kTypeModel6) {
       // A generator whose voltage a model moves: the load row holds the
       // bus voltage with it, as for a plain voltage-given generator.
-      lt = -1;
+      lt = kTypePV;
       L6.V[l] = L5.V[g];
-    } else if (gt == -3) {
-      lt = -3;
-    } else if (gt >= 1 && lt <= 1) {
-      lt = 1;
+    } else if (gt == kTypePQVlim) {
+      lt = kTypePQVlim;
+    } else if (gt >= kTypePQ && lt <= kTypePQ) {
+      lt = kTypePQ;
     }
   }
 }
@@ -88,9 +88,9 @@ void inivpq() {
   }
   // A fixed-voltage row sets the bus voltage; a slack row also its angle.
   auto start = [](int32_t i, int32_t type, double v, double angle) {
-    if (iter_type(type) >= 1) return;
+    if (iter_type(type) >= kTypePQ) return;
     VPQ.V[i] = v;
-    if (type == 0) VPQ.TH[i] = angle * kDegToRad;
+    if (type == kTypeSlack) VPQ.TH[i] = angle * kDegToRadSingle;
     VPQ.E[i] = VPQ.V[i] * std::cos(VPQ.TH[i]);
     VPQ.F[i] = VPQ.V[i] * std::sin(VPQ.TH[i]);
   };
@@ -160,7 +160,7 @@ void mismatch_p(int32_t n, const Arr<double>& pc, Arr<double>& dp) {
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     const int32_t i = internal_bus(L5.ibs[g]);
     if (i == 0) continue;
-    if (iter_type(L5.mode_ctrl[g]) == 0) {
+    if (iter_type(L5.mode_ctrl[g]) == kTypeSlack) {
       const int32_t l = GLP.ILOAD[i];
       dp[i] = 0;
       VPQ.PG[i] = (l != 0 ? L6.P[l] : 0.0) + pc[i];
@@ -173,10 +173,10 @@ void mismatch_p(int32_t n, const Arr<double>& pc, Arr<double>& dp) {
     const int32_t i = internal_bus(L6.ibs[l]);
     if (i == 0) continue;
     const int32_t t = iter_type(L6.mode_ctrl[l]);
-    if (t == 0) {
+    if (t == kTypeSlack) {
       dp[i] = 0;
       VPQ.PL[i] = GLP.IGEN[i] == 0 ? -pc[i] : L6.P[l];
-    } else if (t <= 1) {
+    } else if (t <= kTypePQ) {
       dp[i] -= L6.P[l];
       VPQ.PL[i] = L6.P[l];
     } else {
@@ -201,17 +201,17 @@ void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed)
       return;
     }
     dq[i] = 0;
-    if (type == -4 || type == -6) VPQ.V[i] = v;
+    if (type == kTypeModel4 || type == kTypeModel6) VPQ.V[i] = v;
   };
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     const int32_t i = internal_bus(L5.ibs[g]);
     if (i == 0) continue;
     const int32_t t = iter_type(L5.mode_ctrl[g]);
     const int32_t l = GLP.ILOAD[i];
-    if (t == 0) {
+    if (t == kTypeSlack) {
       dq[i] = 0;
       VPQ.QG[i] = (l != 0 ? L6.Q[l] : 0.0) + qc[i];
-    } else if (t < 0) {
+    } else if (t < kTypeSlack) {
       fixed_row(i, t, L5.V[g]);
       if (l == 0 || std::fabs(L5.Q[g]) + std::fabs(L5.P[g]) >= kNoOutput)
         VPQ.QG[i] = (l != 0 ? L6.Q[l] : 0.0) + qc[i];
@@ -225,13 +225,13 @@ void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed)
     if (i == 0) continue;
     const int32_t t = iter_type(L6.mode_ctrl[l]);
     const int32_t g = GLP.IGEN[i];
-    if (t == 0) {
+    if (t == kTypeSlack) {
       dq[i] = 0;
       VPQ.QL[i] = g == 0 ? -qc[i] : L6.Q[l];
-    } else if (t < 0) {
+    } else if (t < kTypeSlack) {
       fixed_row(i, t, L6.V[l]);
       if (g == 0 || std::fabs(L5.Q[g]) + std::fabs(L5.P[g]) <= kNoOutput) VPQ.QL[i] = -qc[i];
-    } else if (t == 1) {
+    } else if (t == kTypePQ) {
       dq[i] -= L6.Q[l];
       VPQ.QL[i] = L6.Q[l];
     } else {

@@ -8,19 +8,18 @@
 
 #include "store/store.hpp"
 #include "store/vpq.hpp"
+#include "support/angles.hpp"
 #include "support/arr.hpp"
 
 namespace lf {
 
-// The degree in radians, as the single-precision value the data was made with.
-constexpr double kDegToRad = 0.0174532925239284;
 // Below this |P| + |Q| a generator row counts as having no output (single-precision 1e-7).
 constexpr double kNoOutput = 0.00000010000000116860974;
 
 // The bus type of a row as the iteration reads it: -3 (P and Q given with
 // voltage limits) is a P-Q row until the limits switch it.
 inline int32_t iter_type(int32_t mode_ctrl) {
-  return mode_ctrl == -3 ? 1 : mode_ctrl;
+  return mode_ctrl == kTypePQVlim ? kTypePQ : mode_ctrl;
 }
 
 // Internal number of a reduced bus number, 0 when it has none.
@@ -29,7 +28,7 @@ int32_t internal_bus(int32_t reduced);
 // A slack bus: its generator row or its load row has type 0 (GLP must be set).
 inline bool slack_bus(int32_t i) {
   const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
-  return (g != 0 && L5.mode_ctrl[g] == 0) || (l != 0 && L6.mode_ctrl[l] == 0);
+  return (g != 0 && L5.mode_ctrl[g] == kTypeSlack) || (l != 0 && L6.mode_ctrl[l] == kTypeSlack);
 }
 
 // The largest of |a[i]| and |b[i]| over buses 1 to n (pass one array twice

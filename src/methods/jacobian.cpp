@@ -103,7 +103,7 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
       xc = (e * b + ii[i]) - f * g;
       xd = b * f + (e * g - ir[i]);
       const int32_t l = GLP.ILOAD[i];
-      if (l != 0 && L6.mode_ctrl[l] > 1) load_terms(l, e, f, xa, xb, xc, xd);
+      if (l != 0 && L6.mode_ctrl[l] >= kTypeFirstLoadSet) load_terms(l, e, f, xa, xb, xc, xd);
     } else {
       xc = -2 * e;
       xd = -2 * f;
@@ -146,7 +146,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
     // The voltage given at the bus: the generator row's, else the load row's.
     const double vs = g5 != 0 ? L5.V[g5] : (l6 != 0 ? L6.V[l6] : 0.0);
     if (kind[i] == kSlack) {
-      const double a = (g5 != 0 ? L5.Angle[g5] : L6.Angle[l6]) * kDegToRad;
+      const double a = (g5 != 0 ? L5.Angle[g5] : L6.Angle[l6]) * kDegToRadSingle;
       d1[i] = e - vs * std::cos(a);
       d2[i] = f - vs * std::sin(a);
       k = identity_row(i, k, ja, aa, ac, ab, ad);

@@ -35,7 +35,7 @@ bool hold_voltage(int32_t reduced, int32_t i, int32_t& type, double& row_v) {
   VPQ.TH[i] = 0;
   VPQ.E[i] = bound;
   VPQ.F[i] = 0;
-  type = -1;
+  type = kTypePV;
   return true;
 }
 
@@ -47,30 +47,30 @@ void limit(const Arr<double>& qc, int32_t& changed) {
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     const int32_t i = internal_bus(L5.ibs[g]);
     if (i == 0) continue;
-    if (L5.mode_ctrl[g] == -2) {
+    if (L5.mode_ctrl[g] == kTypePVQlim) {
       // The test is on the generator's own output: QG is the bus's load Q
       // plus the computed injection.
       if (!passed(VPQ.QG[i], L5P.Qmin[g], L5P.Qmax[g], bound)) continue;
       L5.Q[g] = bound;
       VPQ.QG[i] = bound;
-      L5.mode_ctrl[g] = 1;
-      if (GLP.ILOAD[i] != 0) L6.mode_ctrl[GLP.ILOAD[i]] = 1;
+      L5.mode_ctrl[g] = kTypePQ;
+      if (GLP.ILOAD[i] != 0) L6.mode_ctrl[GLP.ILOAD[i]] = kTypePQ;
       changed = 1;
-    } else if (L5.mode_ctrl[g] == -3) {
+    } else if (L5.mode_ctrl[g] == kTypePQVlim) {
       if (hold_voltage(L5.ibs[g], i, L5.mode_ctrl[g], L5.V[g])) changed = 1;
     }
   }
   for (int32_t l = 1; l <= LFINF.nload; ++l) {
     const int32_t i = internal_bus(L6.ibs[l]);
     if (i == 0) continue;
-    if (L6.mode_ctrl[l] == -2) {
+    if (L6.mode_ctrl[l] == kTypePVQlim) {
       // A bus with a generator row is left to that row.
       if (GLP.IGEN[i] != 0 || !passed(-qc[i], L6P.Qmin[l], L6P.Qmax[l], bound)) continue;
       L6.Q[l] = bound;
       VPQ.QL[i] = bound;
-      L6.mode_ctrl[l] = 1;
+      L6.mode_ctrl[l] = kTypePQ;
       changed = 1;
-    } else if (L6.mode_ctrl[l] == -3) {
+    } else if (L6.mode_ctrl[l] == kTypePQVlim) {
       if (hold_voltage(L6.ibs[l], i, L6.mode_ctrl[l], L6.V[l])) changed = 1;
     }
   }

@@ -19,7 +19,8 @@ namespace lf {
 // A bus with P and Q given: neither of its rows fixes the voltage.
 inline bool pq_row(int32_t i) {
   const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
-  return !(g != 0 && iter_type(L5.mode_ctrl[g]) < 0) && !(l != 0 && iter_type(L6.mode_ctrl[l]) < 0);
+  return !(g != 0 && iter_type(L5.mode_ctrl[g]) < kTypeSlack) &&
+         !(l != 0 && iter_type(L6.mode_ctrl[l]) < kTypeSlack);
 }
 
 // Everything a Newton-type method works on.  One store serves all calls: it

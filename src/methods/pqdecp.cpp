@@ -128,12 +128,12 @@ void formb2(Arr<double>& b) {
   for (int32_t p = 1; p <= NO.NYENT; ++p) b[p] = Y.YB[p];
   for (int32_t i = 1; i <= n; ++i) {
     const int32_t g = GLP.IGEN[i], l = GLP.ILOAD[i];
-    bool fixed = g != 0 && iter_type(L5.mode_ctrl[g]) < 1;
+    bool fixed = g != 0 && iter_type(L5.mode_ctrl[g]) < kTypePQ;
     if (!fixed && l != 0) {
       const int32_t t = iter_type(L6.mode_ctrl[l]);
-      if (t < 1) {
+      if (t < kTypePQ) {
         fixed = true;
-      } else if (t != 1) {
+      } else if (t != kTypePQ) {
         // A voltage-dependent load: its reactive slope at the rated voltage.
         const double v0 = L6.V[l];
         b[Y.IY[i]] += (2 * ABCLC.aq[t] + ABCLC.bq[t]) * L6.Q[l] / v0 / v0;

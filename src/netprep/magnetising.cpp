@@ -7,11 +7,6 @@
 
 namespace lf {
 
-namespace {
-// A magnetising impedance below this in both parts adds no branch.
-constexpr double kNegligibleImpedance = 1e-11;
-}  // namespace
-
 void dwrmxm() {
   const int32_t n = LFINF.nacline + LFINF.ntrans;
   NO.nbranch = n;
@@ -19,7 +14,7 @@ void dwrmxm() {
   int32_t m = n;
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const double rm = L3PP.Rm[t], xm = L3PP.Xm[t];
-    if (std::fabs(rm) < kNegligibleImpedance && std::fabs(xm) < kNegligibleImpedance) continue;
+    if (std::fabs(rm) < kNegligibleMagnetising && std::fabs(xm) < kNegligibleMagnetising) continue;
     ++m;
     if (static_cast<std::size_t>(m) > IJB.I.size()) grow_branches(static_cast<std::size_t>(m));
     const int32_t bus = IJB.I[LFINF.nacline + t];

@@ -13,18 +13,18 @@ namespace lf {
 namespace {
 
 // Merged types: the forms with limits or control fall back to their plain
-// form, P and V given (-1) or P and Q given (1).
+// form, P and V given or P and Q given.
 int32_t fold(int32_t type) {
   switch (type) {
-    case -2:
-    case -4:
-    case -6:
-      return -1;
-    case -3:
-    case -5:
-    case -7:
-    case -8:
-      return 1;
+    case kTypePVQlim:
+    case kTypeModel4:
+    case kTypeModel6:
+      return kTypePV;
+    case kTypePQVlim:
+    case kTypeModel5:
+    case kTypeModel7:
+    case kTypeModel8:
+      return kTypePQ;
     default:
       return type;
   }
@@ -61,9 +61,6 @@ void copy_limits(LPRec& r, int32_t from, int32_t to) {
   r.line_ctrl[to] = r.line_ctrl[from];
 }
 
-// Smallest merged output that a share is taken of (a single-precision 1e-6).
-constexpr double kShareFloor = 9.999999974752427e-07;
-
 }  // namespace
 
 void dwload() {
@@ -95,7 +92,7 @@ void dwload() {
     int32_t f = it->second;
     L6.No[f] = 0;
     L6.mode_ctrl[f] = fold(L6.mode_ctrl[f]);
-    if (L6.mode_ctrl[i] == 0) L6.mode_ctrl[f] = 0;
+    if (L6.mode_ctrl[i] == kTypeSlack) L6.mode_ctrl[f] = kTypeSlack;
     L6.P[f] += L6.P[i];
     L6.Q[f] += L6.Q[i];
   }
@@ -143,7 +140,7 @@ void dwgen() {
       L5.Q[m] += L5.Q[k];
       L5.ibs[k] = 0;
       L5.mode_ctrl[m] = fold(L5.mode_ctrl[m]);
-      if (L5.mode_ctrl[k] == 0) L5.mode_ctrl[m] = 0;
+      if (L5.mode_ctrl[k] == kTypeSlack) L5.mode_ctrl[m] = kTypeSlack;
       L5OLD.map[k] = m;
       L5OLD.share[k] = -1.0;
       L5OLD.share[i] = -1.0;
@@ -162,10 +159,10 @@ void dwgen() {
     if (L5OLD.share[r] > 0.0) continue;
     int32_t j = L5OLD.map[r];
     int32_t type = L5.mode_ctrl[j];
-    if (type < 0) {
+    if (type < kTypeSlack) {
       L5OLD.share[r] =
           std::fabs(L5.P[j]) >= kShareFloor ? L5OLD.P[r] / L5.P[j] : 1.0 / L5.merged[j];
-    } else if (type == 0) {
+    } else if (type == kTypeSlack) {
       L5OLD.share[r] = 1.0 / L5.merged[j];
     } else {
       L5OLD.share[r] = 0.0;

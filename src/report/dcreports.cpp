@@ -10,8 +10,6 @@ namespace lf {
 
 namespace {
 
-constexpr double kBridgeFactor = 1.350474473703044;  // 3 sqrt 2 / pi
-
 // Tap position of a converter transformer in percent of its nominal ratio.
 double tap_percent(double tk, int32_t bridges, double vb, int32_t k, double vl, double vh) {
   const double m = tk * bridges * vb / DCBASE.vdb[k] * vl * kBridgeFactor / vh;

@@ -15,13 +15,12 @@
 #include "sparse/ymatrix.hpp"
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
+#include "support/angles.hpp"
 #include "support/fmt.hpp"
 
 namespace lf {
 
 namespace {
-
-constexpr double kRadToDeg = 57.2957795;
 
 // Name of the bus that reduced bus b stands for.
 std::string bus_name(int32_t b) {
@@ -143,8 +142,8 @@ void write_lpd(const CaseName& casename) {
     const int32_t i = NEW[k];
     if (i == 0) continue;
     const int32_t s = k - nbase - 1;
-    const std::string tail =
-        csv_f({VPQ.V[i], VPQ.TH[i] * kRadToDeg}, 15, 10) + "'" + L1.busname[NNTOON[k]].str() + "',";
+    const std::string tail = csv_f({VPQ.V[i], VPQ.TH[i] * kRadToDegShort}, 15, 10) + "'" +
+                             L1.busname[NNTOON[k]].str() + "',";
     const auto line = [&](int32_t b, int32_t n) {
       out.ints({NNTOON[k], k, IJB.No[b], n}, 6);
       out.text(tail);
@@ -203,18 +202,18 @@ void dwirii() {
     const double p = LFUDOT.UDPINJ[i], q = LFUDOT.UDQINJ[i];
     if (std::fabs(p) + std::fabs(q) < 1e-7) continue;
     if (const int32_t g = GLP.IGEN[i]; g > 0) {
-      if (L5.mode_ctrl[g] == 0) {
+      if (L5.mode_ctrl[g] == kTypeSlack) {
         VPQ.PG[i] -= p;
         VPQ.QG[i] -= q;
-      } else if (L5.mode_ctrl[g] == -1) {
+      } else if (L5.mode_ctrl[g] == kTypePV) {
         VPQ.QG[i] -= q;
       }
     }
     if (const int32_t l = GLP.ILOAD[i]; l > 0) {
-      if (L6.mode_ctrl[l] == 0) {
+      if (L6.mode_ctrl[l] == kTypeSlack) {
         VPQ.PL[i] -= p;
         VPQ.QL[i] -= q;
-      } else if (L6.mode_ctrl[l] == -1) {
+      } else if (L6.mode_ctrl[l] == kTypePV) {
         VPQ.QL[i] -= q;
       }
     }
@@ -225,11 +224,11 @@ void prnslackbuspq() {
   slack_head();
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     const int32_t i = NEW[L5.ibs[g]];
-    if (i != 0 && L5.mode_ctrl[g] == 0) slack_row(L5.ibs[g], VPQ.PG[i], VPQ.QG[i]);
+    if (i != 0 && L5.mode_ctrl[g] == kTypeSlack) slack_row(L5.ibs[g], VPQ.PG[i], VPQ.QG[i]);
   }
   for (int32_t l = 1; l <= LFINF.nload; ++l) {
     const int32_t i = NEW[L6.ibs[l]];
-    if (i != 0 && L6.mode_ctrl[l] == 0 && GLP.IGEN[i] == 0)
+    if (i != 0 && L6.mode_ctrl[l] == kTypeSlack && GLP.IGEN[i] == 0)
       slack_row(L6.ibs[l], -VPQ.PL[i], -VPQ.QL[i]);
   }
 }
@@ -242,7 +241,7 @@ void wlp1(int32_t convergent, const CaseName& casename) {
     for (int32_t k = 1; k <= NNTOON.nbase; ++k) {
       const int32_t i = NEW[k];
       if (i == 0) continue;
-      double angle = VPQ.TH[i] * kRadToDeg;
+      double angle = VPQ.TH[i] * kRadToDegShort;
       if (std::fabs(angle) > 360.0) angle -= std::trunc(angle / 360.0) * 360.0;
       out.ints({k}, 4);
       out.reals({VPQ.V[i], angle}, 15, 10);
@@ -282,7 +281,7 @@ void write_lp3(const CaseName& casename, const BranchIndex& index) {
     }
     const double rm = L3PP.Rm[t], xm = L3PP.Xm[t];
     double pm = 0, qm = 0;
-    if (!(std::fabs(rm) + std::fabs(xm) < 1e-11)) {  // magnetising branch
+    if (!(std::fabs(rm) + std::fabs(xm) < kNegligibleMagnetising)) {  // magnetising branch
       pm = rm * VPQ.V[i] * VPQ.V[i] / (rm * rm + xm * xm);
       qm = xm * VPQ.V[i] * VPQ.V[i] / (rm * rm + xm * xm);
       pij += pm;
@@ -309,7 +308,7 @@ void unit_output(int32_t r, double pg, double qg, double& p, double& q) {
   if (!(share < 1.0)) {
     p = pg;
     q = qg;
-  } else if (L5.mode_ctrl[L5OLD.map[r]] < 1) {
+  } else if (L5.mode_ctrl[L5OLD.map[r]] < kTypePQ) {
     p = share * pg;
     q = share * qg;
   } else {
@@ -328,7 +327,7 @@ void wlp5(const CaseName& casename) {
     double p, q;
     unit_output(r, VPQ.PG[i], VPQ.QG[i], p, q);
     // The row number as read also serves as a row of the merged generators here.
-    if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == 0)
+    if (static_cast<std::size_t>(r) <= L5.mode_ctrl.size() && L5.mode_ctrl[r] == kTypeSlack)
       slack_row(L5.ibs[r], VPQ.PG[i], VPQ.QG[i]);
     out.text(" ");
     out.ints({b}, 4);
@@ -348,7 +347,7 @@ void wlp6(const CaseName& casename) {
     const int32_t b = L6.ibs[r];
     const int32_t i = NEW[b];
     if (i == 0) continue;
-    if (L6.mode_ctrl[r] == 0 && GLP.IGEN[i] == 0) slack_row(b, -VPQ.PL[i], -VPQ.QL[i]);
+    if (L6.mode_ctrl[r] == kTypeSlack && GLP.IGEN[i] == 0) slack_row(b, -VPQ.PL[i], -VPQ.QL[i]);
     if (shares && L6.No[r] == 0) {
       const auto it = as_read.find(b);
       const std::size_t c = it == as_read.end() ? 0 : it->second.size();
@@ -356,10 +355,10 @@ void wlp6(const CaseName& casename) {
         const int32_t m = L6.mode_ctrl[r];
         for (int32_t q : it->second) {
           double p, qq;
-          if (m == 0) {
+          if (m == kTypeSlack) {
             p = VPQ.PL[i] / static_cast<double>(c);
             qq = VPQ.QL[i] / static_cast<double>(c);
-          } else if (m < 0) {
+          } else if (m < kTypeSlack) {
             p = L6PP.P[q];
             qq = VPQ.QL[i] * L6PP.P[q] / VPQ.PL[i];
           } else {

@@ -23,15 +23,11 @@
 #include "store/lfudot.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
+#include "support/angles.hpp"
 
 namespace lf {
 
 namespace {
-
-constexpr double kRadToDeg = 57.295780181884766;
-// Factor of the converter transformer's tap in percent, as stored.
-constexpr double kTapFactor = 1.350474473703044;
-constexpr double kSmallP = 9.999999974752427e-07;
 
 // The internal node of reduced bus i, 0 for none.
 int32_t node(int32_t i) {
@@ -110,7 +106,7 @@ void wtrtbus() {
     int32_t n = node(i);
     if (b.iisland < 0 || n == 0) continue;
     b.v = VPQ.V[n];
-    b.adeg = VPQ.TH[n] * kRadToDeg;
+    b.adeg = VPQ.TH[n] * kRadToDegSingle;
     b.e = VPQ.E[n];
     b.f = VPQ.F[n];
     update_row(pb);
@@ -124,7 +120,7 @@ void wtrtbus() {
     int32_t n = u.ibs > 0 ? node(u.ibs) : 0;
     if (n == 0) continue;
     u.v = VPQ.V[n];
-    u.adeg = VPQ.TH[n] * kRadToDeg;
+    u.adeg = VPQ.TH[n] * kRadToDegSingle;
     update_row(pu);
   }
   close_pass(pu);
@@ -184,7 +180,7 @@ void wtrttrs() {
     }
     double pm = 0, qm = 0;
     double rm = L3PP.Rm[t], xm = L3PP.Xm[t];
-    if (RMXMVALID != 0 && std::fabs(rm) + std::fabs(xm) > 1e-11) {
+    if (RMXMVALID != 0 && std::fabs(rm) + std::fabs(xm) > kNegligibleMagnetising) {
       double v = VPQ.V[ni];
       double d = rm * rm + xm * xm;
       pm = rm * v * v / d;
@@ -263,12 +259,14 @@ void wtrtdc() {
     d.qcjp = DCLFPU.qcjp[m] * filters;
     // Tap positions of the converter transformers in percent.
     auto tap_i = [&](double tk) {
-      return ((tk * NL4.i_bridge[m] * d.vbi / d.vdb) * NL4.vli_kv[m] * kTapFactor / NL4.vhi_kv[m] -
+      return ((tk * NL4.i_bridge[m] * d.vbi / d.vdb) * NL4.vli_kv[m] * kBridgeFactor /
+                  NL4.vhi_kv[m] -
               1) *
              100;
     };
     auto tap_j = [&](double tk) {
-      return ((tk * NL4.j_bridge[m] * d.vbj / d.vdb) * NL4.vlj_kv[m] * kTapFactor / NL4.vhj_kv[m] -
+      return ((tk * NL4.j_bridge[m] * d.vbj / d.vdb) * NL4.vlj_kv[m] * kBridgeFactor /
+                  NL4.vhj_kv[m] -
               1) *
              100;
     };
@@ -316,7 +314,7 @@ void wtrtload() {
     if (LF93.loadshare == 0) {
       l.w = pl;
       l.r = ql;
-    } else if (c == 1) {
+    } else if (c == kTypePQ) {
       l.w = L6PP.P[d];
       l.r = L6PP.Q[d];
     } else {
@@ -326,7 +324,7 @@ void wtrtload() {
       for (int32_t j = 1; j <= L6PP.nloadold; ++j) {
         if (L6PP.ibs[j] != L6PP.ibs[d]) continue;
         ++total;
-        if (L6PP.mode_ctrl[j] == 1) {
+        if (L6PP.mode_ctrl[j] == kTypePQ) {
           pl -= L6PP.P[j];
           ql -= L6PP.Q[j];
         } else {
@@ -336,15 +334,15 @@ void wtrtload() {
       if (total == 1) {
         l.w = VPQ.PL[n];
         l.r = VPQ.QL[n];
-      } else if (L6PP.mode_ctrl[d] == 1) {
+      } else if (L6PP.mode_ctrl[d] == kTypePQ) {
         l.w = L6PP.P[d];
         l.r = L6PP.Q[d];
-      } else if (c >= 0) {
+      } else if (c >= kTypeSlack) {
         l.w = pl / rest;
         l.r = ql / rest;
       } else {
         l.w = L6PP.P[d];
-        l.r = std::fabs(pl) >= kSmallP ? L6PP.P[d] * ql / pl : ql / rest;
+        l.r = std::fabs(pl) >= kShareFloor ? L6PP.P[d] * ql / pl : ql / rest;
       }
     }
     update_row(p);

@@ -4,12 +4,11 @@
 #include <cmath>
 #include <vector>
 
+#include "sparse/symfactor.hpp"
+
 namespace lf {
 
 namespace {
-
-// Smallest determinant size of a pivot block; smaller ones become +-kTinyDet.
-constexpr double kTinyDet = 1e-20;
 
 // Loads the entries of column i on and below the diagonal into side 0 of the
 // work row and those of row i right of the diagonal into side 1.  With
@@ -82,7 +81,7 @@ void store(BlockEntry* val, const int32_t* ju, int32_t i, int32_t q, int32_t cou
   l[0] = pa, l[1] = pb, l[2] = pc, l[3] = pd;
   u[0] = 1.0, u[1] = 0.0, u[2] = 0.0, u[3] = 1.0;
   double det = pd * pa - pc * pb;
-  if (std::fabs(det) <= kTinyDet) det = det >= 0.0 ? kTinyDet : -kTinyDet;
+  if (std::fabs(det) <= kTinyPivot) det = det >= 0.0 ? kTinyPivot : -kTinyPivot;
   const double ia = pd / det, ib = -pb / det, ic = -pc / det, id = pa / det;
   for (int32_t s = q + 1; s <= q + count; ++s) {
     const int32_t j = ju[s];
@@ -297,7 +296,7 @@ void solvxn(const BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, A
     const double* piv = val[p].v[0];
     const double a = piv[0], b = piv[1], c = piv[2], d = piv[3];
     double det = d * a - b * c;
-    if (std::fabs(det) < kTinyDet) det = det >= 0.0 ? kTinyDet : -kTinyDet;
+    if (std::fabs(det) < kTinyPivot) det = det >= 0.0 ? kTinyPivot : -kTinyPivot;
     const double inv = 1.0 / det;
     double s1 = 0.0, s2 = 0.0;
     for (int32_t k = chain[p].row; k != 0 && k != i; k = chain[p].row) {

@@ -20,7 +20,9 @@
 
 namespace lf {
 
-// Smallest pivot size kept; smaller pivots are replaced by +-kTinyPivot.
+// Smallest pivot size kept, for the scalar pivots of the symmetric factors and
+// the determinants of the pivot blocks of the block factors alike; smaller ones
+// are replaced by +-kTinyPivot.
 constexpr double kTinyPivot = 1e-20;
 
 // Factorises the n x n matrix given by rows: entries ia[i] .. ib[i+1]-1 of

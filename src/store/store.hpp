@@ -23,6 +23,25 @@ constexpr std::size_t kCapFactor = 3000;
 constexpr std::size_t kCapLoadPar = 80;
 constexpr std::size_t kCapSwitch = 10000;
 
+// The bus type code mode_ctrl of a generator row (L5) or a load row (L6).
+constexpr int32_t kTypeSlack = 0;    // slack: V and angle given, P and Q are outputs
+constexpr int32_t kTypePQ = 1;       // P and Q given
+constexpr int32_t kTypePV = -1;      // P and V given, Q unlimited
+constexpr int32_t kTypePVQlim = -2;  // P and V given, Q held inside its limits
+constexpr int32_t kTypePQVlim = -3;  // P and Q given, V held inside its limits; read as 1
+                                     // by the mismatches and the matrices
+// The forms of user-defined control; without models (ctrl_ud 0) the readers
+// fold -4 and -6 into -1, and -5, -7, -8 into 1.
+constexpr int32_t kTypeModel4 = -4;  // P and V given, V reloaded from the row in every Q
+                                     // half-iteration, so that a model may move it
+constexpr int32_t kTypeModel5 = -5;  // act as -1 in the iteration
+constexpr int32_t kTypeModel6 = -6;  // as -4
+constexpr int32_t kTypeModel7 = -7;  // as -5
+constexpr int32_t kTypeModel8 = -8;  // as -5
+// On a load row, a type from this on is voltage dependent: the number of its
+// static load parameter set, a row of ABCLC (the .DAT library).
+constexpr int32_t kTypeFirstLoadSet = 2;
+
 using BusName = Text<20>;
 using AreaName = Text<10>;
 using CaseName = Text<60>;
@@ -105,6 +124,11 @@ struct L3PRec {  // control data of the transformers
   void grow(std::size_t n);
 };
 
+// A magnetising impedance below this (in both parts for the preparation, in
+// the sum of their sizes for the results) is no branch: the preparation adds
+// none and the results count none.
+constexpr double kNegligibleMagnetising = 1e-11;
+
 struct L3PPRec {  // magnetising branches of the transformers
   Arr<double> Rm, Xm;
   void grow(std::size_t n);
@@ -137,6 +161,10 @@ struct LPRec {  // L5P, L6P: limits and control data of generators and loads
   Arr<int32_t> par_group, ibs_ctrl, line_ctrl;
   void grow(std::size_t n);
 };
+
+// Smallest merged output (the single-precision 1e-6) that the share of a unit
+// as read is taken of; below it the units of a bus share equally.
+constexpr double kShareFloor = 9.999999974752427e-07;
 
 struct L5OLDRec {  // the generators as read, kept by the merging
   Arr<int32_t> ibs, mode_ctrl, merged, map;

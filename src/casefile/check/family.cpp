@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "store/store.hpp"
+
 namespace lf::check {
 
 int32_t Family::header(std::string_view field) const {
@@ -50,7 +52,7 @@ Family read_family(const std::string& stem, const std::string& dat_stem, Warning
   f.l10 = read_records(stem + ".L10", ".L10", w);
   f.l13 = read_switches(stem + ".L13", w);
   const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
-    return f.uses(f.l6, r) && f.l6.integer(r, "mode_ctrl") > 1;
+    return f.uses(f.l6, r) && f.l6.integer(r, "mode_ctrl") >= kTypeFirstLoadSet;
   });
   f.dat = typed ? read_library(dat_stem + ".DAT", w) : unread(dat_stem + ".DAT", ".DAT");
   return f;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "store/store.hpp"
+
 namespace lf::check {
 
 namespace {
@@ -82,7 +84,7 @@ void load_types(const Family& f, Warnings& w) {
   const auto sets = static_cast<int32_t>(f.dat.records.size());
   for (const Record& r : f.l6.records) {
     const int32_t type = f.l6.integer(r, "mode_ctrl");
-    if (!f.uses(f.l6, r) || type <= 1 || type <= sets) continue;
+    if (!f.uses(f.l6, r) || type < kTypeFirstLoadSet || type <= sets) continue;
     std::string says = where(f.l6, r) + ": load type " + std::to_string(type);
     if (!f.dat.present)
       w.push_back(says + " needs the library " + f.dat.name +

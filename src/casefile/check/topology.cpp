@@ -5,6 +5,8 @@
 #include <numeric>
 #include <vector>
 
+#include "store/store.hpp"
+
 namespace lf::check {
 
 namespace {
@@ -64,10 +66,10 @@ Sources sources(const Family& f) {
     (slack ? s.slack : s.source)[static_cast<std::size_t>(bus)] = 1;
   };
   for (const Record& r : f.l5.records)
-    if (f.uses(f.l5, r)) mark(f.l5.integer(r, "ibs"), f.l5.integer(r, "mode_ctrl") == 0);
+    if (f.uses(f.l5, r)) mark(f.l5.integer(r, "ibs"), f.l5.integer(r, "mode_ctrl") == kTypeSlack);
   for (const Record& r : f.l6.records) {
     const int32_t type = f.l6.integer(r, "mode_ctrl");
-    if (f.uses(f.l6, r) && type <= 0) mark(f.l6.integer(r, "ibs"), type == 0);
+    if (f.uses(f.l6, r) && type <= kTypeSlack) mark(f.l6.integer(r, "ibs"), type == kTypeSlack);
   }
   for (const Record& r : f.nl4.records) {
     if (!f.uses(f.nl4, r)) continue;
