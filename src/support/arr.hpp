@@ -16,22 +16,26 @@
 
 namespace lf {
 
-// Storage for arrays of numbers: memory comes zeroed from calloc, so a large
-// array costs nothing until it is touched (the system hands out zero pages),
-// and a new element is not written again since it is zero already.  The
-// arrays below keep the spare room behind their last element zero.
+// Storage for arrays of numbers: memory comes zeroed, so a new element is
+// not written again since it is zero already, and a large array costs
+// nothing until it is touched.  Large blocks are mapped straight from the
+// system, whose pages are zero and become resident only when first written;
+// small ones come from calloc.  The arrays below keep the spare room behind
+// their last element zero.
+namespace detail {
+constexpr std::size_t kMapFrom = std::size_t{1} << 16;  // bytes from which a block is mapped
+void* zeroed_block(std::size_t bytes);
+void free_block(void* p, std::size_t bytes);
+}  // namespace detail
+
 template <typename T>
 struct ZeroAlloc {
   using value_type = T;
   ZeroAlloc() = default;
   template <typename U>
   ZeroAlloc(const ZeroAlloc<U>&) {}  // NOLINT: rebinding
-  T* allocate(std::size_t n) {
-    void* p = std::calloc(n, sizeof(T));
-    if (!p) throw std::bad_alloc();
-    return static_cast<T*>(p);
-  }
-  void deallocate(T* p, std::size_t) { std::free(p); }
+  T* allocate(std::size_t n) { return static_cast<T*>(detail::zeroed_block(n * sizeof(T))); }
+  void deallocate(T* p, std::size_t n) { detail::free_block(p, n * sizeof(T)); }
   template <typename U>
   void construct(U*) {}
   template <typename U, typename... A>
