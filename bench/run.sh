@@ -65,7 +65,7 @@ gdir=$build/bench-grids
 if [ ${#grids[@]} -gt 0 ]; then
   mkdir -p "$gdir/case2383wp"
   # shellcheck disable=SC2046
-  "$build/mp2lf" "$src/case2383wp.m" "$gdir/case2383wp/LF" $(opts_for 1) >/dev/null
+  "$build/mp2lf" "$src/case2383wp.m" "$gdir/case2383wp/LF" $(opts_for 1) --force >/dev/null
 fi
 dirs=()
 for method in $methods; do

@@ -1,6 +1,7 @@
 #include "casefile/readers.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -121,11 +122,13 @@ void rl23(const std::string& path) {
       },
       [&](int32_t t, int32_t mark, int32_t r) {
         const int32_t n = n0 + t;
-        // Only the bus numbers of the ends count, not their signs.
-        IJB.I[n] = std::abs(IJB.I[n]);
-        IJB.J[n] = std::abs(IJB.J[n]);
-        check_bus(IJB.I[n], path + ".L3", r);
-        check_bus(IJB.J[n], path + ".L3", r);
+        // Only the bus numbers of the ends count, not their signs; the one
+        // number without a magnitude in 32 bits is no bus either.
+        for (int32_t* end : {&IJB.I[n], &IJB.J[n]}) {
+          if (*end == INT32_MIN) check_bus(*end, path + ".L3", r);
+          *end = std::abs(*end);
+          check_bus(*end, path + ".L3", r);
+        }
         RXB.B[n] = 0.0;
         IJOPEN.mark[n] = mark;
         IJOPEN.I[n] = L3P.I[t] = IJB.I[n];

@@ -28,6 +28,13 @@ struct Family {
   std::string bus(int32_t b) const;
 };
 
+// The bus number that a branch end stands for: its magnitude (the sign of a
+// transformer's end says nothing); the one number without a magnitude in 32
+// bits stays as it is, outside every case.
+inline int32_t end_bus(int32_t v) {
+  return v == INT32_MIN ? v : (v < 0 ? -v : v);
+}
+
 // Reads every file of the stem and, when a load names a parameter set, the
 // library dat_stem.DAT.
 Family read_family(const std::string& stem, const std::string& dat_stem, Warnings& w);

@@ -1,7 +1,6 @@
 #include "casefile/check/rules.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
 #include "store/store.hpp"
@@ -59,7 +58,7 @@ void inverted(const FileRead& file, const Record& r, const char* hi, const char*
 void branches(const Family& f, const FileRead& file, Warnings& w) {
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    const int32_t i = std::abs(file.integer(r, "I")), j = std::abs(file.integer(r, "J"));
+    const int32_t i = end_bus(file.integer(r, "I")), j = end_bus(file.integer(r, "J"));
     bus_in_case(f, file, r, i, w);
     if (j != i) bus_in_case(f, file, r, j, w);
     const double R = file.real(r, "R"), X = file.real(r, "X");

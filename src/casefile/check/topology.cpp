@@ -1,7 +1,6 @@
 #include "casefile/check/topology.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 #include <numeric>
 #include <vector>
@@ -54,7 +53,7 @@ void join_branches(const Family& f, const FileRead& file, Islands& isl) {
   for (const Record& r : file.records) {
     // Only a branch in service at both ends (mark 1) joins its buses.
     if (!f.uses(file, r) || file.integer(r, "mark") != 1) continue;
-    const int32_t i = std::abs(file.integer(r, "I")), j = std::abs(file.integer(r, "J"));
+    const int32_t i = end_bus(file.integer(r, "I")), j = end_bus(file.integer(r, "J"));
     if (i != j && in_case(i, n) && in_case(j, n)) isl.join(i, j);
   }
 }
