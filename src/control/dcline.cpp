@@ -1,3 +1,20 @@
+// The two-terminal DC lines: per-unit data (dcval) and the converter model
+// evaluated in every iteration (dctran, dcsub).
+//
+// Per pole, with the rectifier i and the inverter j, c = 3/pi, Xc the
+// commutation reactance, Id the DC current, Rdc the loop resistance, V_a the
+// AC bus voltage and tk the converter transformer's tap (per unit):
+//   E_i = V_ai / tk_i,                 E_j = V_aj / tk_j     (valve-side AC voltages)
+//   Vd_i = E_i cos(alpha) - c Xc_i Id  (rectifier, firing angle alpha)
+//   Vd_j = E_j cos(gamma) - c Xc_j Id  (inverter, extinction angle gamma)
+//   Vd_j = Vd_i - Id Rdc
+// With the angles fixed the taps follow from the voltages; a tap held at its
+// limit fixes that end's voltage instead, and with both taps held the firing
+// angle gives: cos(alpha) = (c Xc_i Id + Vd_i) / E_i.  The AC injections,
+// with the converters' power factors h = Vd / E:
+//   P_i = -I_i V_ai h_i,  Q_i = -I_i V_ai sqrt(1 - h_i^2)   (I = Id / tk, drawn)
+//   P_j =  I_j V_aj h_j,  Q_j = -I_j V_aj sqrt(1 - h_j^2)   (delivered)
+// go to PDC, QDC of the two buses, with the filters' reactive power Qc.
 #include "control/dcline.hpp"
 
 #include <cmath>

@@ -1,4 +1,24 @@
-// The two Jacobians of the Newton family.  Both walk the same pattern: for
+// The two Jacobians of the Newton family, in rectangular coordinates: the
+// unknowns of bus i are e_i, f_i (V_i = e_i + j f_i), the admittance Y_ik =
+// G_ik + j B_ik, and the bus current sum I_i = sum_k Y_ik V_k = ir_i + j ii_i.
+//
+// Power equations (formj).  P_i = e_i ir_i + f_i ii_i, Q_i = f_i ir_i - e_i ii_i.
+// For a bus with P and Q given the block of column k != i is
+//   dP/de_k = e_i G + f_i B,  dP/df_k = f_i G - e_i B,
+//   dQ/de_k = f_i G - e_i B,  dQ/df_k = -(e_i G + f_i B),
+// and the diagonal adds the bus's own current: dP/de_i += ir_i, dP/df_i +=
+// ii_i, dQ/de_i -= ii_i, dQ/df_i += ir_i.  A voltage-dependent load takes its
+// derivative d(P_load)/dV, d(Q_load)/dV through V = sqrt(e^2 + f^2) off the
+// diagonal.  For a bus with V given the second row is V_i^2 = e_i^2 + f_i^2:
+// d/de_i = 2 e_i, d/df_i = 2 f_i.  The methods solve J dx = mismatch and
+// subtract dx, so every entry here carries the sign of -dF/dx.
+//
+// Current equations (iformj).  A bus with P and Q given balances its current:
+// the real and imaginary parts of I_i - conj(S_i / V_i); a bus with V given
+// keeps the power form above; a slack bus has the identity block and the
+// mismatch e - VS cos(A), f - VS sin(A) (VS, A the row's voltage and angle).
+//
+// Both walk the same pattern: for
 // each bus its entries in ascending column, taken from the admittance matrix
 // (the lower part through the column chain, then the diagonal and the upper
 // part of the row), with the columns of slack buses left out and a slack row

@@ -1,3 +1,15 @@
+// The report files of a file-mode calculation and the branch flows they and
+// the database writer share.
+//
+// Branch k of IJB between buses i and j (V = E + jF), y = 1/(R + jX), Z =
+// R^2 + X^2, B half the charging and T the turns ratio at the J end (1 when
+// not above 0), as the admittance matrix takes them (see RXRec):
+//   I_ij = y (V_i - V_j/T) + jB V_i            current into the branch at i
+//   I_ji = -(y/T) (V_i - V_j/T) + jB V_j       current into the branch at j
+//   S_ij = V_i conj(I_ij) = pij + j qij,  S_ji = V_j conj(I_ji) = pji + j qji
+//   charging ci = B V_i^2, cj = B V_j^2
+// A shunt row (i equal to j) draws S = V_i^2 (R + jX) / Z.  A branch
+// without impedance (Z = 0) carries no series current, as in the matrix.
 #include "report/reports.hpp"
 
 #include <algorithm>

@@ -33,7 +33,7 @@ void fomy12();
 
 // Values and structure of Y.  Series branches add -y/kk off the diagonal,
 // y + jB at the I end and y/kk^2 + jB at the J end (kk the turns ratio at the
-// J end, 1 when not above 1e-6); a shunt row (I equal to J) adds its
+// J end as RXB.T defines it, 1 when not above 1e-6); a shunt row (I equal to J) adds its
 // impedance's admittance to the diagonal and ignores B.
 void formy(int32_t nb, int32_t n, int32_t ny, const Arr<int32_t>& newnum, const Arr<int32_t>& iou,
            const Arr<int32_t>& i, const Arr<int32_t>& j, const Arr<double>& r, const Arr<double>& x,
