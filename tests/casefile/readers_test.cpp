@@ -105,16 +105,8 @@ TEST_F(Readers, DcLinesKeepOnlyMarkOneAndAMissingFileGoesOnTheErrorList) {
   EXPECT_EQ(LFINF.ndcline, 0);
   EXPECT_THAT(printed, IsEmpty());
 
-  const std::string body =
-      " 3 4 7 1\n"
-      "1.0 2.0 3.0 4.0 5.0 6.0 7.0 8.0 9.0 10.0\n"
-      "500.0\n"
-      "230.0 200.0 2 600.0 0.1 15.0 250.0 210.0 3\n"
-      "231.0 201.0 2 601.0 0.2 16.0 251.0 211.0 4\n"
-      "1 10.0 20.0\n"
-      "300.0 500.0 5.0 15.0 17.0 18.0\n"
-      "301.0 501.0 6.0 16.0 19.0 20.0\n";
-  write(".NL4", "2" + body + "1" + body);
+  // Two DC lines, the first of mark 2.
+  write(".NL4", test::read_file(LF_TEST_DATA_DIR "/casefile/dcline.NL4"));
   rdlf(name(), lib());
   ASSERT_EQ(LFINF.ndcline, 1);
   EXPECT_EQ(NO.ndc, 1);
