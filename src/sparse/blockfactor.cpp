@@ -282,32 +282,38 @@ void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const Blo
   nonsym74({n, ia.data(), ja.data(), &ch}, v, f);
 }
 
-void solvxn(const BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
             Arr<double>& x2) {
   const int32_t n = f.n;
   const int32_t* piu = f.iu.data();
   const int32_t* pju = f.ju.data();
-  const Link* chain = f.chain.data();
   const BlockEntry* val = f.val.data();
   const double *pr1 = r1.data(), *pr2 = r2.data();
   double *px1 = x1.data(), *px2 = x2.data();
+  // Forward, by columns of L: once x[i] is known, its products with column
+  // i of L go into the sums of the rows below.  Each row's sums thus take
+  // their terms in ascending column, as a walk along the row would, and the
+  // factor is read in the order it is stored.
+  f.sums.assign(static_cast<std::size_t>(n) + 1, {0.0, 0.0});
+  BlockStore::Sum* sum = f.sums.data();
   for (int32_t i = 1; i <= n; ++i) {
-    int32_t p = piu[i];
+    const int32_t p = piu[i];
     const double* piv = val[p].v[0];
     const double a = piv[0], b = piv[1], c = piv[2], d = piv[3];
     double det = d * a - b * c;
     if (std::fabs(det) < kTinyPivot) det = det >= 0.0 ? kTinyPivot : -kTinyPivot;
     const double inv = 1.0 / det;
-    double s1 = 0.0, s2 = 0.0;
-    for (int32_t k = chain[p].row; k != 0 && k != i; k = chain[p].row) {
-      p = chain[p].pos;
-      const double* l = val[p].v[0];
-      s1 += l[1] * px2[k] + l[0] * px1[k];
-      s2 += l[3] * px2[k] + l[2] * px1[k];
+    const double e1 = pr1[i] - sum[i].s1, e2 = pr2[i] - sum[i].s2;
+    const double y1 = e2 * (-b) * inv + e1 * inv * d;
+    const double y2 = e2 * inv * a + e1 * (-c) * inv;
+    px1[i] = y1;
+    px2[i] = y2;
+    for (int32_t s = p + 1; s < piu[i + 1]; ++s) {
+      const double* l = val[s].v[0];
+      BlockStore::Sum& to = sum[pju[s]];
+      to.s1 += l[1] * y2 + l[0] * y1;
+      to.s2 += l[3] * y2 + l[2] * y1;
     }
-    const double e1 = pr1[i] - s1, e2 = pr2[i] - s2;
-    px1[i] = e2 * (-b) * inv + e1 * inv * d;
-    px2[i] = e2 * inv * a + e1 * (-c) * inv;
   }
   for (int32_t i = n - 1; i >= 1; --i) {
     double s1 = 0.0, s2 = 0.0;

@@ -79,6 +79,12 @@ struct BlockStore {
   std::vector<int32_t> start;
   std::vector<Link> above;
   bool laid_out = false;  // start and above fit iu and ju
+  // The sums of the forward solution by block row, 1..n: written and read
+  // by solvxn alone.
+  struct Sum {
+    double s1, s2;
+  };
+  std::vector<Sum> sums;
   // Makes sure that positions up to q exist, growing at least twofold.
   void room(std::size_t q);
 };
@@ -102,7 +108,7 @@ void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const Blo
 
 // Solves L U x = r with the factors: x1, x2 the first and second unknown of
 // each block row, r1, r2 the right-hand sides (they may be x1, x2 themselves).
-void solvxn(const BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
             Arr<double>& x2);
 
 }  // namespace lf
