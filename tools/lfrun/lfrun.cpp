@@ -15,8 +15,8 @@
 #include "cli.h"
 #include "cmdline.hpp"
 #include "dbsession.hpp"
+#include "engine.hpp"
 #include "folder.hpp"
-#include "lfengine.h"
 #include "precheck.hpp"
 
 namespace {
@@ -191,6 +191,11 @@ int main(int argc, char** argv) {
     if (o.check_only) return warnings == 0 ? kExitConverged : kExitNotConverged;
   }
 
+  Engine engine;
+  if (std::string why; !load_engine(engine, why)) {
+    std::fprintf(stderr, "lfrun: %s\n", why.c_str());
+    return kExitNotConverged;
+  }
   char title[80] = {};
   std::snprintf(title, sizeof title, "Load Flow: %s", fs::path(o.stem).filename().c_str());
   int flags = o.flags;
@@ -198,21 +203,21 @@ int main(int argc, char** argv) {
   if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitNotConverged;
   intptr_t callback = reinterpret_cast<intptr_t>(&print_line);
   int mode = o.mode;
-  flags = LFInit(&flags, title, &session, &callback, &mode);
+  flags = engine.init(&flags, title, &session, &callback, &mode);
   bool all_converged = true;
   for (int run = 0; run < o.repeat; ++run) {
     int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
     const std::string name = fs::path(o.stem).filename().string();
     start_calculation(name, o.nonlinear);
     const long writes = session > 0 ? lfcli_writes(session) : 0;
-    const bool converged = LFCal(&cal_flags) == 0;
+    const bool converged = engine.cal(&cal_flags) == 0;
     if (!converged) all_converged = false;
     // In database mode a calculation that wrote nothing has no results to
     // sum up: the tables hold those of an earlier one.
     const bool results = session <= 0 || lfcli_writes(session) > writes;
     finish_calculation(name, o.db, converged, !o.quiet && results);
   }
-  LFFinilize();
+  engine.finish();
   std::fflush(stdout);
   if (session > 0 && !close_database(session, o.db)) {
     std::fprintf(stderr, "lfrun: not solved; nothing written to %s\n", o.db.c_str());
