@@ -98,14 +98,15 @@ build=$work/build
 log=$work/log
 mkdir -p "$tree" "$build" "$log"
 
-# The scratch copy follows the repository's tracked and new files.  Only files
-# whose content differs are written, so unchanged files keep their times and
-# the build stays incremental.
+# The scratch copy follows the repository's tracked and new files, links
+# copied as the files they point to (a relative link would dangle in the
+# copy).  Only files whose content differs are written, so unchanged files
+# keep their times and the build stays incremental.
 sync_tree() {
   local stage=$work/stage
   rm -rf "$stage" && mkdir -p "$stage"
   (cd "$root" && git ls-files -co --exclude-standard -z) >"$work/files"
-  tar -C "$root" --null -T "$work/files" -cf - | tar -C "$stage" -xf -
+  tar -C "$root" --null -T "$work/files" -chf - | tar -C "$stage" -xf -
   (cd "$stage" && find . -type f) | while IFS= read -r f; do
     if ! cmp -s "$stage/$f" "$tree/$f"; then
       mkdir -p "$(dirname "$tree/$f")" && cp "$stage/$f" "$tree/$f"

@@ -16,48 +16,11 @@ using ::testing::ElementsAre;
 using ::testing::ExitedWithCode;
 using ::testing::IsEmpty;
 
-const char* kL0 =
-    "4 3 2 0 2 3 1 0 0 3 0\n"
-    "100.0 1.1 0.9 1e-6 1 30 0 0 0 1\n";
-
 class Readers : public CaseFiles {
  protected:
-  // A four-bus case with every file but .NL4 and the .DAT library.
-  void write_case() {
-    write(".L0", kL0);
-    write(".L1",
-          "'BUS1' 220.0 1 242.0 198.0\n"
-          "'BUS2' 0.0 2 1.05 0.95\n"
-          "'BUS3' 110.0 1 99.0 121.0\n"
-          "'BUS4' 110.0 3 0.0 99.0\n");
-    write(".L2",
-          "1 1 2 11 0.01 0.1 0.02 0 0 0 0 0 0.0\n"
-          "0 9 9 99 9.0 9.0 9.0 9 9 9 9 9 9.0\n"
-          "3 2 3 12 0.02 0.2 0.03 1 0 0 0 0 0.0\n"
-          "1 4 4 13 0.0 -10.0 0.0 0 0 0 0 0 0.0\n");
-    write(".L3",
-          "1 -3 4 21 0.001 0.05 1.05 0.0 0.0 2 0 0 0.0 0 0 0.0 0.0\n"
-          "0 1 2 98 0.0 0.1 1.0 0.0 0.0 0 0 0 0.0 0 0 0.0 0.0\n"
-          "2 1 -4 22 0.002 0.06 0.95 0.1 10.0 0 5 6 0.0 7 8 0.5 30.0\n");
-    write(".L5",
-          "1 1 0 0.0 0.0 1.05 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n"
-          "1 2 -6 0.5 0.1 1.02 0.0 2.0 -2.0 1.0 0.0 0 0 0 0.0\n");
-    write(".L6",
-          "1 3 31 1 0.4 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n"
-          "0 4 32 1 9.0 9.0 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n"
-          "1 3 33 -7 0.1 0.05 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
-    write(".L7", "1 1 'NORTH' 1 0.5 0.01 2.0\n");
-    write(".L10", "1 1 0.0 ' ' ' ' 1.0 1.0 2.0 2.0\n");
-    write(".L13",
-          "3\n"
-          "1 1 3 5 1 0 0 0 0 0 0\n"
-          "0 1 3 6 1 0 0 0 0 0 0\n"
-          "0 0 0 0 0 0 0 0 0 0 0\n"
-          "0\n"
-          "2\n"
-          "1 2 2 7 0 1 0 0 0 0 0\n"
-          "0 0 0 0 0 0 0 0 0 0 0\n");
-  }
+  // A four-bus case, tests/data/casefile/readers, with every file but .NL4
+  // and the .DAT library.
+  void write_case() { test::copy_folder("tests/data/casefile/readers", dir_.path()); }
 };
 
 TEST_F(Readers, ReadsAWholeCaseWithItsQuirks) {
@@ -89,9 +52,9 @@ TEST_F(Readers, ReadsAWholeCaseWithItsQuirks) {
 
   // Extended codes fold without user-defined models.
   ASSERT_EQ(LFINF.ngenerat, 2);
-  EXPECT_EQ(L5.mode_ctrl[2], -1);
+  EXPECT_EQ(L5.mode_ctrl[2], kTypePV);
   ASSERT_EQ(LFINF.nload, 2);
-  EXPECT_EQ(L6.mode_ctrl[2], 1);
+  EXPECT_EQ(L6.mode_ctrl[2], kTypePQ);
   EXPECT_EQ(LF93.loadshare, 1);  // two loads on bus 3
 
   // ctrl_fact 0: the factor file is not read and nothing is scaled.
@@ -114,8 +77,8 @@ TEST_F(Readers, UserDefinedModelsKeepTheExtendedCodes) {
   write_case();
   write(".L0", "4 3 2 0 2 3 1 0 0 3 0\n100.0 1.1 0.9 1e-6 1 30 0 1 0 0\n");
   rdlf(name(), lib());
-  EXPECT_EQ(L5.mode_ctrl[2], -6);
-  EXPECT_EQ(L6.mode_ctrl[2], -7);
+  EXPECT_EQ(L5.mode_ctrl[2], kTypeModel6);
+  EXPECT_EQ(L6.mode_ctrl[2], kTypeModel7);
   EXPECT_EQ(LF93.nswitch, 3);  // ctrl_sub 0: .L13 not read, the count stands
 }
 

@@ -1,8 +1,10 @@
-// The 52 blocks against their definitions, family by family, in the
-// steady-state form (mode 1) and, where it differs, the time-step form.
+// The 52 blocks against their definitions, in the steady-state form (mode 1)
+// and, where it differs, the time-step form: most of them as rows of
+// tests/data/blocks.txt, sequences, state and warnings here.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,59 +14,45 @@
 namespace lf::test {
 namespace {
 
-struct Case {
-  const char* what;
-  int32_t type, mode;
-  std::vector<double> par;
-  Io io;
-  double y, dy;
-  double dt = 0;
-};
-
-void check(const std::vector<Case>& cases) {
-  for (const Case& c : cases) {
+// Each row of tests/data/blocks.txt runs the block once on a fresh bench.
+TEST(Blocks, OutputAndDerivativeOfEveryRow) {
+  for (const std::string& line : file_lines(fs::path(LF_TEST_DATA_DIR) / "blocks.txt")) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream row(line);
+    std::string what, field;
+    std::getline(row, what, '|');
+    int32_t type = 0, mode = 0;
+    double dt = 0, y = 0, dy = 0;
+    std::getline(row, field, '|');
+    std::istringstream(field) >> type >> mode >> dt;
+    std::getline(row, field, '|');
+    std::vector<double> par;
+    std::istringstream pars(field);
+    for (double v; pars >> v;) par.push_back(v);
+    std::getline(row, field, '|');
+    Io io;
+    std::istringstream ios(field);
+    for (std::string kv; ios >> kv;) {
+      const std::string k = kv.substr(0, kv.find('='));
+      const double v = std::stod(kv.substr(kv.find('=') + 1));
+      double* const slot[] = {&io.x1, &io.x2, &io.dx1, &io.dx2, &io.y, &io.yo, &io.dyo};
+      const char* const names[] = {"x1", "x2", "dx1", "dx2", "y", "yo", "dyo"};
+      for (int n = 0; n < 7; ++n)
+        if (k == names[n]) *slot[n] = v;
+    }
+    std::getline(row, field);
+    std::istringstream(field) >> y >> dy;
     bench_reset();
-    COMM7.DT = c.dt;
-    NOST1.KSTEP = c.dt > 0 ? 1 : 0;
-    const auto [y, dy] = run_block(c.type, c.mode, c.par, c.io);
-    EXPECT_NEAR(y, c.y, 1e-6) << c.what;
-    EXPECT_NEAR(dy, c.dy, 1e-6) << c.what;
-    EXPECT_EQ(UDXY.X1[2], y) << c.what << ": the output reaches the linked block";
+    COMM7.DT = dt;
+    NOST1.KSTEP = dt > 0 ? 1 : 0;
+    const auto [got_y, got_dy] = run_block(type, mode, par, io);
+    EXPECT_NEAR(got_y, y, 1e-6) << what;
+    EXPECT_NEAR(got_dy, dy, 1e-6) << what;
+    EXPECT_EQ(UDXY.X1[2], got_y) << what << ": the output reaches the linked block";
   }
 }
 
-TEST(Blocks, Dynamic) {
-  check({
-      {"DY1 static gain A E / C", 1, 1, {2, 0, 4, 1, 3, 10, -10}, {.x1 = 1}, 1.5, 0},
-      {"DY1 without C integrates", 1, 1, {2, 0, 0, 4, 3, 10, -10}, {.x1 = 1, .y = 0.5}, 2.0, 0},
-      {"DY1 clamped at F", 1, 1, {2, 0, 4, 1, 3, 1, -10}, {.x1 = 1}, 1.0, 0},
-      {"DY1 time step",
-       1,
-       0,
-       {1, 0, 1, 1, 1, 10, -10},
-       {.x1 = 1},
-       0.05 / 1.05,
-       1 - 0.05 / 1.05,
-       0.1},
-      {"DIFF steady", 2, 1, {2}, {.dx1 = 0.5}, 0, 0},
-      {"DIFF time step", 2, 0, {2}, {.dx1 = 0.5, .yo = 0.3}, 1.0, 7.0, 0.1},
-      {"INTG adds E X", 3, 1, {5, 0.5, 10, -10}, {.x1 = 2, .y = 1}, 2.0, 0},
-      {"INTG stops at F", 3, 1, {5, 0.5, 1.5, -10}, {.x1 = 2, .y = 1}, 1.5, 0},
-      {"INTG zero input", 3, 1, {5, 0.5, 10, -10}, {.y = 0.7}, 0.7, 0},
-      {"INTG time step", 3, 0, {5, 0.5, 10, -10}, {.x1 = 2, .yo = 0.3, .dyo = 1}, 0.42, 0.2, 0.2},
-      {"DY2 gain", 4, 1, {2, 3, 10, -10}, {.x1 = 1}, 3, 0},
-      {"DY2 time step",
-       4,
-       0,
-       {2, 3, 10, -10},
-       {.x1 = 1},
-       0.15 / 1.05,
-       1.5 - 0.5 * 0.15 / 1.05,
-       0.2},
-      {"HOLD gives the last pass", 49, 1, {}, {.x1 = 0.3, .yo = 0.7, .dyo = 0.1}, 0.7, 0.1},
-      {"FILT steady", 51, 1, {1, 1, 2}, {.x1 = 1.5}, 3, 0},
-      {"FILT time step", 51, 0, {1, 1, 1}, {.x1 = 1}, 0.01 / 1.11, 0.1 / 1.11, 0.2},
-  });
+TEST(Blocks, StateKeptForTheNextPass) {
   // HOLD keeps its input for the next pass; FILT keeps y' and y''.
   bench_reset();
   run_block(49, 1, {}, {.x1 = 0.3, .dx2 = 0.2, .yo = 0.7});
@@ -75,71 +63,6 @@ TEST(Blocks, Dynamic) {
   run_block(51, 0, {1, 1, 1}, {.x1 = 1});
   EXPECT_NEAR(NU1.FS1N[1], 0.1 / 1.11, 1e-12);
   EXPECT_NEAR(NU1.FS2N[1], (1 - 0.1 / 1.11) - 0.01 / 1.11, 1e-12);
-}
-
-TEST(Blocks, StaticArithmetic) {
-  const double e = std::exp(1.0);
-  check({
-      {"BIAS", 5, 1, {0.5}, {.x1 = 2, .dx1 = 1}, 1.5, 1},
-      {"EXPF", 6, 1, {2, 0.5}, {.x1 = 2, .dx1 = 1}, 2 * e, e},
-      {"LIMT keeps DX at the limit", 7, 1, {1, -1}, {.x1 = 2, .dx1 = 0.5}, 1, 0.5},
-      {"CONS", 8, 1, {4}, {.x1 = 9}, 4, 0},
-      {"DIVD", 9, 1, {}, {.x1 = 3, .x2 = 2, .dx1 = 1}, 1.5, 0.5},
-      {"DIVD by a tiny X2", 9, 1, {}, {.x1 = 3, .x2 = 1e-22}, 0, 0},
-      {"SUMK", 10, 1, {2, 3}, {.x1 = 1, .x2 = 2, .dx1 = 1, .dx2 = 1}, 8, 5},
-      {"MULT", 11, 1, {2}, {.x1 = 3, .x2 = 4, .dx1 = 1}, 24, 8},
-      {"RAMP middle", 14, 1, {0, 2, 10, -10}, {.x1 = 1, .dx1 = 1}, 0, 10},
-      {"RAMP below A", 14, 1, {0, 2, 10, -10}, {.x1 = -1}, -10, 0},
-      {"RAMP above B", 14, 1, {0, 2, 10, -10}, {.x1 = 3}, 10, 0},
-      {"TSWT before the time", 15, 1, {1}, {.x1 = 1, .x2 = 2}, 1, 0},
-      {"TSWT at the time", 15, 1, {0}, {.x1 = 1, .x2 = 2}, 2, 0},
-      {"PSWT A >= 0", 16, 1, {0}, {.x1 = 1, .x2 = 2}, 2, 0},
-      {"PSWT A < 0", 16, 1, {-1}, {.x1 = 1, .x2 = 2}, 1, 0},
-      {"POWR", 17, 1, {1, 1, 2}, {.x1 = 1, .x2 = 2, .dx1 = 1}, 9, 6},
-      {"SINF", 18, 1, {}, {.x1 = 0.5, .dx1 = 2}, std::sin(0.5), 2 * std::cos(0.5)},
-      {"COSF", 19, 1, {}, {.x1 = 0.5, .dx1 = 2}, std::cos(0.5), -2 * std::sin(0.5)},
-      {"ACOS", 20, 1, {}, {.x1 = 0.5, .dx1 = 1}, std::acos(0.5), -1 / std::sqrt(0.75)},
-      {"ACOS cut to 1", 20, 1, {}, {.x1 = 2}, 0, 0},
-      {"MAGN", 22, 1, {}, {.x1 = 3, .x2 = 4, .dx1 = 1, .dx2 = 1}, 5, 7.0 / 5},
-      {"SQR1 of X1 only", 28, 1, {}, {.x1 = 0.6, .x2 = 5, .dx1 = 1}, 0.8, -0.75},
-      {"SQUA", 29, 1, {}, {.x1 = 3, .dx1 = 1}, 9, 6},
-      {"LINE inside", 30, 1, {0, 2, 1, 3}, {.x1 = 1, .dx1 = 1}, 2, 1},
-      {"LINE outside", 30, 1, {0, 2, 1, 3}, {.x1 = 3}, 0, 0},
-      {"ML negative", 31, 1, {1, 2, 3, 1, 3, 4}, {.x1 = -1}, 0, 0},
-      {"ML first segment", 31, 1, {1, 2, 3, 1, 3, 4}, {.x1 = 0.5, .dx1 = 1}, 0.5, 1},
-      {"ML second segment", 31, 1, {1, 2, 3, 1, 3, 4}, {.x1 = 1.5, .dx1 = 1}, 2, 2},
-      {"ML break point: the later segment", 31, 1, {1, 2, 3, 1, 3, 4}, {.x1 = 2, .dx1 = 1}, 3, 1},
-      {"ML flat behind C", 31, 1, {1, 2, 3, 1, 3, 4}, {.x1 = 4}, 4, 0},
-      {"FEX first", 33, 1, {0.2, 0.8, 0.5, 1, 2}, {.x1 = 0.1, .dx1 = 1}, 0.95, -0.5},
-      {"FEX middle lacks DX1", 33, 1, {0.2, 0.8, 0.5, 1, 2}, {.x1 = 0.6, .dx1 = 3}, 0.8, -0.75},
-      {"FEX last", 33, 1, {0.2, 0.8, 0.5, 1, 2}, {.x1 = 0.9}, 0.2, -2},
-      {"ATAN", 45, 1, {}, {.x1 = 0.5, .dx1 = 1}, std::atan(0.5), 1 / 0.75},
-      {"SQRT", 50, 1, {1, 2}, {.x1 = 1, .x2 = 4, .dx1 = 1, .dx2 = 1}, 3, 0.5},
-  });
-}
-
-TEST(Blocks, LogicWithHold) {
-  check({
-      {"MAXV", 12, 1, {}, {.x1 = 1, .x2 = 2, .dx2 = 3}, 2, 3},
-      {"MINV", 13, 1, {}, {.x1 = 1, .x2 = 2, .dx1 = 3}, 1, 3},
-      {"GATE open", 23, 1, {0, 1}, {.x1 = 4, .x2 = 0.5, .dx1 = 1}, 4, 1},
-      {"GATE shut at B", 23, 1, {0, 1}, {.x1 = 4, .x2 = 1}, 0, 0},
-      {"NGAT shut", 24, 1, {0, 1}, {.x1 = 4, .x2 = 0.5}, 0, 0},
-      {"NGAT open", 24, 1, {0, 1}, {.x1 = 4, .x2 = 2}, 4, 0},
-      {"AND2", 25, 1, {1, 1}, {.x1 = 1, .x2 = 0}, 0, 0},
-      {"OR2", 26, 1, {1, 1}, {.x1 = 1, .x2 = 0}, 1, 0},
-      {"LNLO", 34, 1, {0, 1}, {.x1 = 2, .x2 = 1}, 1, 0},
-      {"LNHI", 35, 1, {0, 1}, {.x1 = 2, .x2 = 1}, 0, 0},
-      {"LNLX", 36, 1, {0, 1}, {.x1 = 2, .x2 = 1}, 0, 0},
-      {"LNHX", 37, 1, {0, 1}, {.x1 = 2, .x2 = 1}, 1, 0},
-      {"BAND inside", 38, 1, {1, 1, -1, 1}, {.x1 = 0.5, .x2 = 0}, 1, 0},
-      {"BAND outside", 38, 1, {1, 1, -1, 1}, {.x1 = 0.5, .x2 = 2}, 0, 0},
-      {"BANX inside", 39, 1, {1, 1, -1, 1}, {.x1 = 0, .x2 = 0.5}, 1, 0},
-      {"CMPR equal", 42, 1, {}, {.x1 = 1, .x2 = 1}, 1, 0},
-      {"DEAD inside the band", 44, 1, {1, 0.1}, {.x1 = 1.05, .dx1 = 1}, 0, 0},
-      {"DEAD above", 44, 1, {1, 0.1}, {.x1 = 1.5, .dx1 = 1}, 0.4, 1},
-      {"DEAD below", 44, 1, {1, 0.1}, {.x1 = 0.5, .dx1 = 1}, -0.4, 1},
-  });
   // In a predictor step a comparing block hands on what it holds.
   bench_reset();
   NNU1.IPRED = 1;
@@ -177,24 +100,7 @@ TEST(Blocks, TimersAndLatches) {
   EXPECT_EQ(run_block(47, 1, {1, 5}, {.x1 = 1, .x2 = 0.5}).first, 0);
 }
 
-TEST(Blocks, Geometry) {
-  check({
-      {"PACK", 46, 1, {}, {.x1 = 3, .x2 = 4}, 500000 + 0.1 * std::atan(4.0 / 3), 0},
-      {"CMPV of a packed phasor",
-       32,
-       1,
-       {1, 0, 0, 0},
-       {.x1 = 100000 + 0.1 * std::atan(0.8 / 0.6)},
-       1,
-       0},
-      {"MHO inside", 40, 1, {2, 0}, {.x1 = 1, .x2 = 0.5}, 1, 0},
-      {"MHO outside", 40, 1, {2, 0}, {.x1 = 3, .x2 = 0}, 0, 0},
-      {"CIRC inside", 41, 1, {2, 5, 5}, {.x1 = 5.5, .x2 = 5}, 1, 0},
-      {"CIRC outside", 41, 1, {2, 5, 5}, {.x1 = 7, .x2 = 5}, 0, 0},
-      {"ANGL X1 < 0, X2 = 0 gives 0", 48, 1, {}, {.x1 = -1, .x2 = 0}, 0, 0},
-      {"ANGL second quadrant", 48, 1, {}, {.x1 = -1, .x2 = 1}, std::atan(-1.0) + 3.14159265, 0},
-      {"ANGL on the axis", 48, 1, {}, {.x1 = 0, .x2 = -1}, -1.570796327, 0},
-  });
+TEST(Blocks, AngleOfAPoint) {
   struct {
     double x, y, ang;
   } const angles[] = {{-1, 0, 3.1415926535},

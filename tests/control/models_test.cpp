@@ -28,31 +28,12 @@ int count_of(const std::string& text, char c) {
   return static_cast<int>(std::count(text.begin(), text.end(), c));
 }
 
-// A library with a section that is skipped by lines (model 6002, groups of
-// ten values over two lines each) and model 6001: a CIRC, then a CONS that
-// reads the CIRC's third parameter (the step after block 41 is 2), then
-// nine named blocks of which eight are recorded.
-const char* kLibrary =
-    "6002 1 10 2\n"
-    "1 1 0 8 0 0 0 0 0 0 'S' 0 0 0 1 0 0 0 0 0 0 0\n"
-    "1 2 3 4 5 6 7 8\n9 10\n1 2 3 4 5 6 7 8\n9 10\n"
-    "6001 11 4 2\n"
-    "1 1 2 41 0 0 0 0 0 0 '' 0 0 0 1 2 3 0 0 0 0 1\n"
-    "2 3 0 8 0 0 0 0 0 0 'K' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "3 4 0 8 0 0 0 0 0 0 'N1' 0 0 4 4 0 0 0 0 0 0 1\n"
-    "4 4 0 8 0 0 0 0 0 0 'N2' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "5 4 0 8 0 0 0 0 0 0 'N3' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "6 4 0 8 0 0 0 0 0 0 'N4' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "7 4 0 8 0 0 0 0 0 0 'N5' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "8 4 0 8 0 0 0 0 0 0 'N6' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "9 4 0 8 0 0 0 0 0 0 'N7' 0 0 0 4 0 0 0 0 0 0 1\n"
-    "10 4 -5 8 0 0 0 0 0 0 'N8' 0 0 0 4 0 0 0 0 0 0 2\n"
-    "11 5 0 10 0 0 0 0 19 0 '' 0 0 0 1 1 0 0 0 0 0 1\n"
-    "11 12 13 14\n"
-    "21 22 23 24\n";
-
+// The library tests/data/control/LIB.DLF has a section that is skipped by
+// lines (model 6002, groups of ten values over two lines each) and model
+// 6001: a CIRC, then a CONS that reads the CIRC's third parameter (the step
+// after block 41 is 2), then nine named blocks of which eight are recorded.
 TEST(Models, InputAndArrangement) {
-  write_file("LIB.DLF", kLibrary);
+  copy_folder("tests/data/control", ".");
   // A row of mark 0 leaves no gap; group 0 is group 1; a line comes first
   // in the location list; 6009 is in neither library.
   write_file("CASE.L9",
@@ -118,7 +99,7 @@ TEST(Models, OutputsActOnTheNetwork) {
   IJB.I[1] = 1, IJB.J[1] = 2, IJB.No[1] = 7;
   GLP.grow(2);
   GLP.IGEN[1] = 0, GLP.IGEN[2] = 1, GLP.ILOAD[1] = GLP.ILOAD[2] = 0;
-  L5.mode_ctrl[1] = 1, L5.V[1] = 1.03, L5.Angle[1] = 10;
+  L5.mode_ctrl[1] = kTypePQ, L5.V[1] = 1.03, L5.Angle[1] = 10;
   VPQ.V[2] = 1, VPQ.TH[2] = 0;
   LFUDOT.grow(8);
   fmlfot(15, 2, 0, 0.0, 1);
@@ -126,7 +107,7 @@ TEST(Models, OutputsActOnTheNetwork) {
   fmlfot(-3, 2, 0, -0.5, 3);
   fmlfot(19, -7, 0, 1.05, 4);
   dwout(1, 4);
-  EXPECT_EQ(L5.mode_ctrl[1], 0);
+  EXPECT_EQ(L5.mode_ctrl[1], kTypeSlack);
   EXPECT_EQ(VPQ.V[2], 1.03);
   EXPECT_NEAR(VPQ.TH[2], 10 * 0.0174532925239284, 1e-15);
   EXPECT_NEAR(VPQ.E[2], 1.03 * std::cos(VPQ.TH[2]), 1e-15);

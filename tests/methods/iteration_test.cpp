@@ -18,17 +18,17 @@ TEST(Glpos, LoadRowFollowsGeneratorRow) {
   for (int i = 1; i <= 6; ++i) NEW[i] = 7 - i;
   LFINF.ngenerat = 5;
   LFINF.nload = 6;
-  gen(1, 1, 0, 0, 0, 1.04, 12);
-  gen(2, 2, -2, 0.5, 0, 1.02);
-  gen(3, 3, 1, 0.3, 0.1, 1);
-  gen(4, 4, 1, 0.3, 0.1, 1);
-  gen(5, 5, -3, 0.2, 0.1, 1);
-  load(1, 1, 1, 0.1, 0.1);
-  load(2, 2, 1, 0.1, 0.1);
-  load(3, 3, -1, 0.1, 0.1, 1.01);  // a fixed-voltage load row keeps its own type
-  load(4, 4, 5, 0.1, 0.1);         // a voltage-dependent load stays so
-  load(5, 5, 1, 0.1, 0.1);
-  load(6, 6, 1, 0.1, 0.1);  // no generator at bus 6
+  gen(1, 1, kTypeSlack, 0, 0, 1.04, 12);
+  gen(2, 2, kTypePVQlim, 0.5, 0, 1.02);
+  gen(3, 3, kTypePQ, 0.3, 0.1, 1);
+  gen(4, 4, kTypePQ, 0.3, 0.1, 1);
+  gen(5, 5, kTypePQVlim, 0.2, 0.1, 1);
+  load(1, 1, kTypePQ, 0.1, 0.1);
+  load(2, 2, kTypePQ, 0.1, 0.1);
+  load(3, 3, kTypePV, 0.1, 0.1, 1.01);  // a fixed-voltage load row keeps its own type
+  load(4, 4, 5, 0.1, 0.1);              // a voltage-dependent load stays so
+  load(5, 5, kTypePQ, 0.1, 0.1);
+  load(6, 6, kTypePQ, 0.1, 0.1);  // no generator at bus 6
   glpos();
   EXPECT_EQ(GLP.IGEN[6], 1);  // internal numbers are reversed
   EXPECT_EQ(GLP.ILOAD[6], 1);
@@ -36,7 +36,7 @@ TEST(Glpos, LoadRowFollowsGeneratorRow) {
   EXPECT_EQ(GLP.ILOAD[1], 6);
   EXPECT_EQ((std::vector<int32_t>{L6.mode_ctrl[1], L6.mode_ctrl[2], L6.mode_ctrl[3],
                                   L6.mode_ctrl[4], L6.mode_ctrl[5], L6.mode_ctrl[6]}),
-            (std::vector<int32_t>{0, -2, 1, 5, -3, 1}));
+            (std::vector<int32_t>{kTypeSlack, kTypePVQlim, kTypePQ, 5, kTypePQVlim, kTypePQ}));
   EXPECT_EQ(L6.V[1], 1.04);
   EXPECT_EQ(L6.Angle[1], 12);
   EXPECT_EQ(L6.V[2], 1.02);
@@ -47,9 +47,9 @@ TEST(Mismatch, FixedVoltageBusGivesComputedPowerToTheRowWithOutput) {
   two_bus(1, -10);
   LFINF.ngenerat = 1;
   LFINF.nload = 2;
-  gen(1, 2, -1, 0.5, 0, 1.0);
-  load(1, 1, 0, 0.2, 0.1, 1.0);  // slack through its load row
-  load(2, 2, -1, 0.3, 0.2, 1.0);
+  gen(1, 2, kTypePV, 0.5, 0, 1.0);
+  load(1, 1, kTypeSlack, 0.2, 0.1, 1.0);  // slack through its load row
+  load(2, 2, kTypePV, 0.3, 0.2, 1.0);
   glpos();
   inivpq();
   Arr<double> pc(2), qc(2), dp(2), dq(2);

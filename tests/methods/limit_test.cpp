@@ -18,14 +18,14 @@ TEST(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
   Arr<double> qc(6);
   LFINF.ngenerat = 2;
   LFINF.nload = 3;
-  gen(1, 1, -2, 0.5, 0, 1.02);
+  gen(1, 1, kTypePVQlim, 0.5, 0, 1.02);
   L5P.Qmin[1] = -0.2, L5P.Qmax[1] = 0.3;
-  load(1, 1, 1, 0.4, 0.1);  // turns to -2 in glpos, to 1 with the generator
-  gen(2, 2, -2, 0.5, 0, 1.02);
+  load(1, 1, kTypePQ, 0.4, 0.1);  // the generator's type in glpos, P-Q again with it
+  gen(2, 2, kTypePVQlim, 0.5, 0, 1.02);
   L5P.Qmin[2] = -0.2, L5P.Qmax[2] = 0.3;
-  load(2, 3, -2, 0.1, 0.0, 1.0);  // no generator: tested on -qc
+  load(2, 3, kTypePVQlim, 0.1, 0.0, 1.0);  // no generator: tested on -qc
   L6P.Qmin[2] = -0.1, L6P.Qmax[2] = 0.1;
-  load(3, 2, -2, 0.1, 0.0, 1.0);  // left to bus 2's generator
+  load(3, 2, kTypePVQlim, 0.1, 0.0, 1.0);  // left to bus 2's generator
   L6P.Qmin[3] = 0.5, L6P.Qmax[3] = 0.6;
   glpos();
   inivpq();
@@ -36,13 +36,13 @@ TEST(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
   int32_t changed = 7;
   limit(qc, changed);
   EXPECT_EQ(changed, 1);
-  EXPECT_EQ(L5.mode_ctrl[1], 1);
+  EXPECT_EQ(L5.mode_ctrl[1], kTypePQ);
   EXPECT_EQ(L5.Q[1], 0.3);
   EXPECT_EQ(VPQ.QG[1], 0.3);
-  EXPECT_EQ(L6.mode_ctrl[1], 1);
-  EXPECT_EQ(L5.mode_ctrl[2], -2);
-  EXPECT_EQ(L6.mode_ctrl[3], -2);
-  EXPECT_EQ(L6.mode_ctrl[2], 1);
+  EXPECT_EQ(L6.mode_ctrl[1], kTypePQ);
+  EXPECT_EQ(L5.mode_ctrl[2], kTypePVQlim);
+  EXPECT_EQ(L6.mode_ctrl[3], kTypePVQlim);
+  EXPECT_EQ(L6.mode_ctrl[2], kTypePQ);
   EXPECT_EQ(L6.Q[2], -0.1);
   EXPECT_EQ(VPQ.QL[3], -0.1);
 
@@ -52,8 +52,8 @@ TEST(Limit, ReactiveLimitsSwitchOneWayToTheBoundPassed) {
   VPQ.QG[2] = 0.3;
   limit(qc, changed);
   EXPECT_EQ(changed, 0);
-  EXPECT_EQ(L5.mode_ctrl[1], 1);
-  EXPECT_EQ(L5.mode_ctrl[2], -2);
+  EXPECT_EQ(L5.mode_ctrl[1], kTypePQ);
+  EXPECT_EQ(L5.mode_ctrl[2], kTypePVQlim);
 }
 
 TEST(Limit, VoltageLimitsOfANewNodeAreThoseOfItsCaseBus) {
@@ -65,8 +65,8 @@ TEST(Limit, VoltageLimitsOfANewNodeAreThoseOfItsCaseBus) {
   LL1.busvmin[3] = LL1.busvmax[3] = 0;  // no row of its own
   LFINF.ngenerat = 0;
   LFINF.nload = 2;
-  load(1, 2, -3, 0.1, 0.0, 1.0);
-  load(2, 3, -3, 0.1, 0.0, 1.0);
+  load(1, 2, kTypePQVlim, 0.1, 0.0, 1.0);
+  load(2, 3, kTypePQVlim, 0.1, 0.0, 1.0);
   glpos();
   inivpq();
   VPQ.V[2] = 1.0;  // inside the limits of bus 2: stays
@@ -74,8 +74,8 @@ TEST(Limit, VoltageLimitsOfANewNodeAreThoseOfItsCaseBus) {
   Arr<double> qc(3);
   int32_t changed = 0;
   limit(qc, changed);
-  EXPECT_EQ(L6.mode_ctrl[1], -3);
-  EXPECT_EQ(L6.mode_ctrl[2], -1);
+  EXPECT_EQ(L6.mode_ctrl[1], kTypePQVlim);
+  EXPECT_EQ(L6.mode_ctrl[2], kTypePV);
   EXPECT_EQ(VPQ.V[3], 1.05);
 }
 

@@ -53,12 +53,12 @@ void three_bus(int gen2_type) {
   }
   LFINF.ngenerat = 2;
   LFINF.nload = 2;
-  gen(1, 1, 0, 0, 0, 1.03, 0);
+  gen(1, 1, kTypeSlack, 0, 0, 1.03, 0);
   gen(2, 2, gen2_type, 0.6, 0, 1.02);
   L5P.Qmin[2] = -1;
   L5P.Qmax[2] = 1;
-  load(1, 2, 1, 0.2, 0.1);
-  load(2, 3, 1, 0.9, 0.4);
+  load(1, 2, kTypePQ, 0.2, 0.1);
+  load(2, 3, kTypePQ, 0.9, 0.4);
   fomy11();
   fomy12();
   capture_printed();
@@ -88,12 +88,12 @@ const char* const kTitle = "  P Q Decoupled Iterative Process";
 TEST(Pqdecp, ZeroMismatchShowsNoBus) {
   // All buses at 1 per unit, nothing given and lossless branches of exact
   // admittances: all mismatches are exactly 0 from the start.
-  three_bus(-1);
+  three_bus(kTypePV);
   L5.V[1] = 1;
   L5.V[2] = 1;
   L5.P[2] = 0;
   L6.P[1] = L6.Q[1] = 0;
-  L6.mode_ctrl[2] = -1;
+  L6.mode_ctrl[2] = kTypePV;
   L6.V[2] = 1;
   L6.P[2] = L6.Q[2] = 0;
   for (int k = 1; k <= 3; ++k) {
@@ -110,14 +110,14 @@ TEST(Pqdecp, ZeroMismatchShowsNoBus) {
 }
 
 TEST(Pqdecp, GeneratorAtItsReactiveLimitBecomesPQWithItsLoadRow) {
-  three_bus(-2);
+  three_bus(kTypePVQlim);
   L5P.Qmin[2] = -0.1;  // it would absorb about 0.21
   int32_t status = 0;
   pqdecp(status);
   EXPECT_EQ(status, 1);
-  EXPECT_EQ(L5.mode_ctrl[2], 1);
+  EXPECT_EQ(L5.mode_ctrl[2], kTypePQ);
   EXPECT_EQ(L5.Q[2], -0.1);
-  EXPECT_EQ(L6.mode_ctrl[1], 1);
+  EXPECT_EQ(L6.mode_ctrl[1], kTypePQ);
   expect_solution(kGenAtQmin);
   // The switch repeats the iteration count in the table.
   ASSERT_GE(printed.size(), 6u);
@@ -129,21 +129,36 @@ TEST(Pqdecp, GeneratorAtItsReactiveLimitBecomesPQWithItsLoadRow) {
 }
 
 TEST(Pqdecp, VoltageLimitedLoadHoldsItsBound) {
-  three_bus(-1);
-  L6.mode_ctrl[2] = -3;
+  three_bus(kTypePV);
+  L6.mode_ctrl[2] = kTypePQVlim;
   LL1.busvmax[3] = 1.01;  // it would reach about 1.025
   int32_t status = 0;
   pqdecp(status);
   EXPECT_EQ(status, 1);
-  EXPECT_EQ(L6.mode_ctrl[2], -1);
+  EXPECT_EQ(L6.mode_ctrl[2], kTypePV);
   EXPECT_EQ(L6.V[2], 1.01);
   expect_solution(kLoadAtVmax);
+}
+
+TEST(Pqdecp, VoltageDependentLoadAddsItsReactiveSlopeToTheB2Diagonal) {
+  // Load 2 at bus 3 on load set 2: Q = Q0 (0.5 V^2 + 0.3 V + 0.2), whose
+  // slope at the rated voltage is 1.3 Q0 = 0.52.
+  three_bus(kTypePV);
+  glpos();
+  Arr<double> plain, sloped;
+  formb2(plain);
+  ABCLC.aq.grow(3), ABCLC.bq.grow(3), ABCLC.cq.grow(3);
+  ABCLC.aq[2] = 0.5, ABCLC.bq[2] = 0.3, ABCLC.cq[2] = 0.2;
+  L6.mode_ctrl[2] = kTypeFirstLoadSet;
+  formb2(sloped);
+  const int32_t d = Y.IY[NEW[3]];
+  EXPECT_NEAR(sloped[d] - plain[d], 0.52, 1e-12);
 }
 
 TEST(Pqdecp, SecondPassOpensTheToleranceAndReportsNoConvergence) {
   // One iteration per pass: the first pass fails, the second starts again
   // from the flat start and meets 1.1 times the first pass's best at once.
-  three_bus(-1);
+  three_bus(kTypePV);
   LFINF.iteration = 0;
   int32_t status = 1;
   pqdecp(status);

@@ -50,7 +50,7 @@ TEST(Dwbus, OpenSwitchSplitsAndMovesTheBranchOnItsSide) {
   reset(5);
   branch(1, 4, 7, 0.1);
   branch(1, 5, 8, 0.1);
-  load(1, 3, 1, 0.5, 0.1);
+  load(1, 3, kTypePQ, 0.5, 0.1);
   switch_record(1, 1, 1, 2, 1);
   switch_record(1, 1, 2, 3, 0, 0, 0, /*line1*/ 8, 0, /*line2*/ 7, /*load2*/ 3);
   dwsubij();
@@ -83,7 +83,7 @@ TEST(Dwbus, SwitchStringNeedsAllThreeClosed) {
     SCOPED_TRACE(testing::Message() << c.sw1 << c.sw2 << c.sw3);
     reset(4);
     branch(1, 3, 7, 0.1);
-    load(1, 2, 1, 0.2, 0.0);
+    load(1, 2, kTypePQ, 0.2, 0.0);
     switch_record(1, 3, 1, 2, c.sw1, c.sw2, c.sw3, 7, 0, 0, 2);
     dwsubij();
     ASSERT_EQ(NO.nnode, c.nnode);
@@ -98,7 +98,7 @@ TEST(Chl23, MissingBranchIsReportedAndTheLoadStillMoves) {
   errlist_open();
   reset(4);
   branch(1, 3, 7, 0.1);
-  load(1, 2, 1, 0.2, 0.0);
+  load(1, 2, kTypePQ, 0.2, 0.0);
   switch_record(1, 1, 1, 2, 0, 0, 0, 0, 0, /*line2*/ 99, /*load2*/ 2);
   switch_record(1, 1, 1, 2, 0, 0, 0, 0, 0, 0, /*load2*/ 55);
   dwsubij();

@@ -200,7 +200,8 @@ TEST_F(ReportCase, GeneratorAndLoadFilesWithSlackTable) {
     L5OLD.share[r] = g.share, L5OLD.P[r] = g.p, L5OLD.Q[r] = g.q;
   }
   L5.ibs[1] = 1;
-  L5.mode_ctrl[1] = 0, L5.mode_ctrl[2] = -1, L5.mode_ctrl[3] = L5.mode_ctrl[4] = 1;
+  L5.mode_ctrl[1] = kTypeSlack, L5.mode_ctrl[2] = kTypePV,
+  L5.mode_ctrl[3] = L5.mode_ctrl[4] = kTypePQ;
   VPQ.PG[2] = 1.5, VPQ.QG[2] = -0.25, GLP.IGEN[2] = 1;
   VPQ.PG[3] = 0.8, VPQ.QG[3] = 0.4, GLP.IGEN[3] = 2;
   wlp5(casename);
@@ -216,8 +217,8 @@ TEST_F(ReportCase, GeneratorAndLoadFilesWithSlackTable) {
   for (int32_t q = 1; q <= 5; ++q)
     L6PP.ibs[q] = old[q - 1].ibs, L6PP.No[q] = old[q - 1].no, L6PP.P[q] = old[q - 1].p,
     L6PP.Q[q] = old[q - 1].q;
-  L6.ibs[1] = 2, L6.No[1] = 0, L6.mode_ctrl[1] = 0;
-  L6.ibs[2] = 3, L6.No[2] = 0, L6.mode_ctrl[2] = -1;
+  L6.ibs[1] = 2, L6.No[1] = 0, L6.mode_ctrl[1] = kTypeSlack;
+  L6.ibs[2] = 3, L6.No[2] = 0, L6.mode_ctrl[2] = kTypePV;
   VPQ.PL[1] = -0.9, VPQ.QL[1] = -0.3;
   VPQ.PL[3] = 0.5, VPQ.QL[3] = 0.25;
   wlp6(casename);
@@ -252,10 +253,10 @@ TEST_F(ReportCase, DriverWritesWhatTheCaseHas) {
 TEST(ModelInjections, TakenOutOfTheNodeResults) {
   test::reset_store();
   NO.nnode = 4;
-  GLP.IGEN[1] = 1, L5.mode_ctrl[1] = 0;
-  GLP.IGEN[2] = 2, L5.mode_ctrl[2] = -1;
-  GLP.ILOAD[3] = 1, L6.mode_ctrl[1] = 0;
-  GLP.IGEN[4] = 3, L5.mode_ctrl[3] = 0;
+  GLP.IGEN[1] = 1, L5.mode_ctrl[1] = kTypeSlack;
+  GLP.IGEN[2] = 2, L5.mode_ctrl[2] = kTypePV;
+  GLP.ILOAD[3] = 1, L6.mode_ctrl[1] = kTypeSlack;
+  GLP.IGEN[4] = 3, L5.mode_ctrl[3] = kTypeSlack;
   for (int32_t i = 1; i <= 4; ++i) {
     VPQ.PG[i] = VPQ.QG[i] = VPQ.PL[i] = VPQ.QL[i] = 1;
     LFUDOT.UDPINJ[i] = 0.25;

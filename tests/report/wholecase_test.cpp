@@ -53,7 +53,14 @@ std::string run_record(const std::string& folder) {
   return all;
 }
 
-class Example : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+struct Bundled {
+  const char *folder, *stem;
+};
+void PrintTo(const Bundled& b, std::ostream* out) {
+  *out << b.folder;
+}
+
+class Example : public testing::TestWithParam<Bundled> {};
 
 TEST_P(Example, WritesWhatItWroteBefore) {
   const auto [folder, stem] = GetParam();
@@ -63,11 +70,10 @@ TEST_P(Example, WritesWhatItWroteBefore) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Bundled, Example,
-                         testing::Values(std::pair{"areas", "AREAS"}, std::pair{"dclink", "DCLINK"},
-                                         std::pair{"ieee14", "IEEE14"},
-                                         std::pair{"ieee118", "IEEE118"},
-                                         std::pair{"substation", "SUBST"}),
-                         [](const auto& info) { return std::string(info.param.first); });
+                         testing::Values(Bundled{"areas", "AREAS"}, Bundled{"dclink", "DCLINK"},
+                                         Bundled{"ieee14", "IEEE14"}, Bundled{"ieee118", "IEEE118"},
+                                         Bundled{"substation", "SUBST"}),
+                         [](const auto& info) { return std::string(info.param.folder); });
 
 TEST(WholeCase, DcLinkBalancesAtBothEnds) {
   test::ScratchFolder dir(true);

@@ -96,7 +96,8 @@ TEST_P(ModesTest, FileAndDatabaseGiveTheSameSolution) {
 
 INSTANTIATE_TEST_SUITE_P(Examples, ModesTest,
                          testing::Values("ieee14", "ieee118", "dclink", "remotev", "oltc",
-                                         "lineflow"));
+                                         "lineflow"),
+                         [](const auto& info) { return std::string(info.param); });
 
 }  // namespace
 }  // namespace lf::test

@@ -87,9 +87,9 @@ TEST_F(ReadTest, FillsTheStoreFromEveryTable) {
 
   // Extended type codes fold without user-defined models.
   ASSERT_EQ(LFINF.ngenerat, 2);
-  EXPECT_EQ(L5.mode_ctrl[2], -1);
+  EXPECT_EQ(L5.mode_ctrl[2], kTypePV);
   ASSERT_EQ(LFINF.nload, 3);
-  EXPECT_EQ(L6.mode_ctrl[3], 1);
+  EXPECT_EQ(L6.mode_ctrl[3], kTypePQ);
   EXPECT_EQ(LF93.loadshare, 1);
 
   // The library walk ends on the highest set number.
@@ -112,7 +112,7 @@ TEST_F(ReadTest, AnEmptyStudyCaseReadsEveryTableWithTheDefaults) {
   EXPECT_EQ(LFINF.tolerance, 9.999999747378752e-05);
   EXPECT_EQ(LFINF.iteration, 50);
   EXPECT_EQ(LFINF.ngenerat, 1);
-  EXPECT_EQ(L5.mode_ctrl[1], -1);  // the defaults switch models off
+  EXPECT_EQ(L5.mode_ctrl[1], kTypePV);  // the defaults switch models off
   EXPECT_EQ(LFINF.nload, 1);
   EXPECT_EQ(LF93.loadshare, 0);
   EXPECT_EQ(LFINF.nloadpar, 1);
@@ -124,7 +124,7 @@ TEST_F(ReadTest, ModelsKeepTheExtendedTypeCodes) {
       "INSERT INTO un (ibs, mode_ctrl) VALUES (1, -6);");
   start();
   read();
-  EXPECT_EQ(L5.mode_ctrl[1], -6);
+  EXPECT_EQ(L5.mode_ctrl[1], kTypeModel6);
 }
 
 TEST_F(ReadTest, ARefusedColumnOrAFailedFetchLeavesTheRestOfTheCase) {

@@ -52,7 +52,7 @@ class WriteTest : public TestDb {
     branch(2, 2, 2, 1, 0.0, -5.0, 0.0, 1.0);
     branch(3, 1, 2, 2, 0.005, 0.05, 0.0, 1.05);
     L3P.mode_ctrl[1] = 0, L3PP.Rm[1] = 100.0, L3PP.Xm[1] = 50.0;
-    L5.ibs[1] = 1, L5.mode_ctrl[1] = 0;
+    L5.ibs[1] = 1, L5.mode_ctrl[1] = kTypeSlack;
     L5OLD.grow(2);
     L5OLD.ngenold = 2, L6PP.nloadold = 1;
     L5OLD.share[1] = L5OLD.share[2] = 1.0;
@@ -128,17 +128,18 @@ TEST_F(WriteTest, SharesTheNodePowersAmongTheUnitsAndLoadsOfABus) {
   L5OLD.ngenold = 3;
   L5OLD.share[1] = 0.6, L5OLD.share[3] = 0.4, L5OLD.map[1] = L5OLD.map[3] = 1;
   L5OLD.P[3] = 0.125, L5OLD.Q[3] = 0.0625;
-  L5.mode_ctrl[1] = 0;  // the merged unit regulates: shares of the node's output
+  L5.mode_ctrl[1] = kTypeSlack;  // the merged unit regulates: shares of the node's output
 
   LF93.loadshare = 1;
   L6PP.nloadold = 4;
-  const int ibs[] = {2, 2, 2, 1}, type[] = {1, 2, 2, 2};
+  const int ibs[] = {2, 2, 2, 1};
+  const int type[] = {kTypePQ, kTypeFirstLoadSet, kTypeFirstLoadSet, kTypeFirstLoadSet};
   const double p[] = {0.5, 0.3, 0.2, 0.4}, q[] = {0.25, 0.1, 0.1, 0.2};
   for (int d = 1; d <= 4; ++d) {
     L6PP.ibs[d] = ibs[d - 1], L6PP.mode_ctrl[d] = type[d - 1];
     L6PP.P[d] = p[d - 1], L6PP.Q[d] = q[d - 1];
   }
-  GLP.ILOAD[1] = 1, GLP.ILOAD[2] = 2, L6.mode_ctrl[1] = L6.mode_ctrl[2] = 2;
+  GLP.ILOAD[1] = 1, GLP.ILOAD[2] = 2, L6.mode_ctrl[1] = L6.mode_ctrl[2] = kTypeFirstLoadSet;
   VPQ.PL[1] = 1.1, VPQ.QL[1] = 0.5, VPQ.PL[2] = 0.45, VPQ.QL[2] = 0.25;
 
   int32_t converged = 1;
@@ -151,8 +152,8 @@ TEST_F(WriteTest, SharesTheNodePowersAmongTheUnitsAndLoadsOfABus) {
 
   // A fixed merged unit: each unit keeps what it was given.  A voltage-
   // controlled merged load: the load keeps its P and takes Q in proportion.
-  L5.mode_ctrl[1] = 1;
-  L6.mode_ctrl[1] = -1;
+  L5.mode_ctrl[1] = kTypePQ;
+  L6.mode_ctrl[1] = kTypePV;
   wtrtlf(converged);
   EXPECT_EQ(number("SELECT r FROM un WHERE id = 'g3'"), 0.0625);
   EXPECT_EQ(number("SELECT w FROM ld WHERE id = 'd3'"), narrowed(0.2));
