@@ -203,23 +203,26 @@ void BM_admittance(benchmark::State& st) {
   st.counters["entries"] = NO.NYENT;
 }
 
+// The susceptances of Y, the matrix that the symmetric benchmarks factorise.
+SymMatrix b_matrix() {
+  return {NO.nnode, Y.IY.data(), Y.JY.data(), Y.YB.data()};
+}
+
 void BM_symmetric_factor(benchmark::State& st) {
   setup(net_of(st));
-  Arr<int32_t> il, jl, lnrow, lnpos;
+  SymFactors f;
   Arr<double> lv;
-  for (auto _ : st)
-    symtri71(NO.nnode, NO.NYENT, 5 * NO.NYENT, Y.IY, Y.IY, Y.JY, Y.YB, il, jl, lnrow, lnpos, lv);
-  st.counters["factor"] = il[NO.nnode + 1] - 1;
+  for (auto _ : st) symtri71(b_matrix(), 5 * NO.NYENT, f, lv);
+  st.counters["factor"] = f.il[NO.nnode + 1] - 1;
 }
 
 void BM_symmetric_solve(benchmark::State& st) {
   setup(net_of(st));
-  Arr<int32_t> il, jl, lnrow, lnpos;
-  Arr<double> lv, b(static_cast<std::size_t>(NO.nnode)), x(static_cast<std::size_t>(NO.nnode)),
-      none;
-  symtri71(NO.nnode, NO.NYENT, 5 * NO.NYENT, Y.IY, Y.IY, Y.JY, Y.YB, il, jl, lnrow, lnpos, lv);
+  SymFactors f;
+  Arr<double> lv, b(static_cast<std::size_t>(NO.nnode)), x(static_cast<std::size_t>(NO.nnode));
+  symtri71(b_matrix(), 5 * NO.NYENT, f, lv);
   for (int32_t i = 1; i <= NO.nnode; ++i) b[i] = 1.0;
-  for (auto _ : st) solvxs(1, NO.nnode, 1, 0, 1, il, jl, lnrow, lnpos, lv, none, b, none, x, none);
+  for (auto _ : st) solvxs(f, lv, b, x);
 }
 
 void BM_block_first_factor(benchmark::State& st) {

@@ -42,14 +42,16 @@ void cut(Arr<double>& b, int32_t i) {
   for (int32_t p = Y.LKNEXT[d]; p != 0 && p != d; p = Y.LKNEXT[p]) b[p] = 0;
 }
 
-// The factors of B1 and B2 share one pattern, so one set of index arrays.
+// The factors of B1 and B2 share one pattern, so one set of positions.
 struct Factors {
-  Arr<int32_t> il, jl, lnrow, lnpos;
-  Arr<double> lv1, lv2;
+  SymFactors pattern;
+  Arr<double> lv1, lv2;  // the values of the factors of B1 and B2
 };
 
+// Factorises b, on Y's structure, into the pattern and lv; five times NYENT
+// is the first room of the factors.
 void factorise(const Arr<double>& b, Factors& f, Arr<double>& lv) {
-  symtri71(NO.nnode, NO.NYENT, 5 * NO.NYENT, Y.IY, Y.IY, Y.JY, b, f.il, f.jl, f.lnrow, f.lnpos, lv);
+  symtri71({NO.nnode, Y.IY.data(), Y.JY.data(), b.data()}, 5 * NO.NYENT, f.pattern, lv);
 }
 
 void heading() {
@@ -70,8 +72,7 @@ void set_ef(int32_t n) {
 // Solves b x = d / V on the given factors; x overwrites d.
 void correction(int32_t n, Factors& f, Arr<double>& lv, Arr<double>& d, Arr<double>& x) {
   for (int32_t i = 1; i <= n; ++i) d[i] /= VPQ.V[i];
-  Arr<double> none;
-  solvxs(1, n, 1, 5 * NO.NYENT, 1, f.il, f.jl, f.lnrow, f.lnpos, lv, none, d, none, x, none);
+  solvxs(f.pattern, lv, d, x);
 }
 
 }  // namespace

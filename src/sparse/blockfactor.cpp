@@ -11,16 +11,14 @@ namespace lf {
 namespace {
 
 // Loads the entries of column i on and below the diagonal into side 0 of the
-// work row and those of row i right of the diagonal into side 1.  With
-// Discover their indices join the patterns; without, the work row already
-// holds the pattern of the factor, which covers the matrix's.
-template <bool Discover>
-void load(const BlockPattern& A, const BlockValues& v, int32_t i, BlockWork& w) {
+// work row and those of row i right of the diagonal into side 1, their
+// indices joining the patterns.  The column is walked along its chain.
+void load_new(const BlockPattern& A, const BlockValues& v, int32_t i, BlockWork& w) {
   const BlockChains& ch = *A.chains;
   if (const int32_t start = ch.chfirst[i]; start != 0) {
     int32_t p = start, row = ch.chfirstrow[i];
     do {
-      if (Discover) w.enter(0, row);
+      w.enter(0, row);
       w.set(0, row, v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
       row = ch.chrow[p];
       p = ch.chpos[p];
@@ -30,27 +28,57 @@ void load(const BlockPattern& A, const BlockValues& v, int32_t i, BlockWork& w) 
   const int32_t from = ch.upfirst[i] != 0 ? ch.upfirst[i] : end;
   for (int32_t p = from; p < end; ++p) {
     const int32_t c = A.ja[p];
-    if (Discover) w.enter(1, c);
+    w.enter(1, c);
     w.set(1, c, v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
   }
 }
 
-// Column i of L and row i of U in the work row: the matrix's entries less
-// the products of the earlier columns and rows.  Each earlier k in above[]
+// The same on a pattern laid out before: the work row already holds the
+// pattern of the factor, which covers the matrix's, and the column's
+// entries stand together in `lower`, nlower of them (see gather_lower).
+void load_laid_out(const BlockPattern& A, const BlockValues& v, int32_t i, const Link* lower,
+                   const BlockStore::Block* low, std::size_t nlower, BlockWork& w) {
+  for (std::size_t t = 0; t < nlower; ++t) {
+    const double* b = low[t].v;
+    w.set(0, lower[t].row, b[0], b[1], b[2], b[3]);
+  }
+  const int32_t end = A.ia[i + 1];
+  const int32_t from = A.chains->upfirst[i] != 0 ? A.chains->upfirst[i] : end;
+  for (int32_t p = from; p < end; ++p) w.set(1, A.ja[p], v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
+}
+
+// Copies the matrix's entries on and below the diagonal into f.low in the
+// order of f.lower (by column): one pass along the rows, which reads the
+// matrix in the order it is stored, so that the factorisation then finds
+// each column's entries side by side instead of one per row far apart.
+void gather_lower(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  const int32_t* slot = f.lower_slot.data();
+  BlockStore::Block* low = f.low.data();
+  for (int32_t r = 1; r <= A.n; ++r) {
+    for (int32_t p = A.ia[r]; p < A.ia[r + 1] && A.ja[p] <= r; ++p) {
+      double* b = low[slot[p]].v;
+      b[0] = v.aa[p], b[1] = v.ab[p], b[2] = v.ac[p], b[3] = v.ad[p];
+    }
+  }
+}
+
+// Column i of L and row i of U in the work row, the matrix's entries
+// loaded: less the products of the earlier columns and rows.  Each earlier k in above[]
 // (ascending) holds U[k][i] and L[i][k] at one position p: column i of L gets
 // L[., k] U[k][i] taken off from row i on, row i of U gets L[i][k] U[k, .]
 // taken off right of column i.
 template <bool Discover>
-void eliminate(const BlockPattern& A, const BlockValues& v, const int32_t* iu, const int32_t* ju,
-               const BlockEntry* val, int32_t i, const Link* above, std::size_t nabove,
-               BlockWork& w) {
-  load<Discover>(A, v, i, w);
-  // The positions lie far apart in the store: ask for the next ones early.
-  constexpr std::size_t kAhead = 2;
-  for (std::size_t t = 0; t < std::min(kAhead, nabove); ++t) __builtin_prefetch(val + above[t].pos);
+void eliminate(const int32_t* iu, const int32_t* ju, const BlockEntry* val, const Link* above,
+               std::size_t nabove, std::size_t nknown, BlockWork& w) {
+  // The positions lie far apart in the store: ask early for the ones that
+  // come next, in this column or (nknown entries of above being there) in
+  // the columns after it.
+  constexpr std::size_t kAhead = 4;
+  for (std::size_t t = 0; t < std::min(kAhead, nknown); ++t) __builtin_prefetch(val + above[t].pos);
   for (std::size_t t = 0; t < nabove; ++t) {
-    if (t + kAhead < nabove) {
+    if (t + kAhead < nknown) {
       __builtin_prefetch(val + above[t + kAhead].pos);
+      __builtin_prefetch(val + above[t + kAhead].pos + 1);
       __builtin_prefetch(ju + above[t + kAhead].pos);
     }
     const int32_t k = above[t].row, p = above[t].pos;
@@ -98,29 +126,51 @@ void store(BlockEntry* val, const int32_t* ju, int32_t i, int32_t q, int32_t cou
   }
 }
 
-// Lays out the entries of U by column, with their rows, ascending, in
-// f.above from f.start[c]: the column chains of U (and row chains of L) in the
-// order they run, laid out flat so that the positions can be fetched ahead
-// instead of one hop at a time.  Done once for the pattern that nonsym74
-// found; the refactorisations on it find the layout made.
-void by_column(BlockStore& f) {
+// Counting sort: lays out the entries (key, row, pos) that each(put) hands
+// to put in groups by key 1..n, ascending key, each group in the order
+// handed; start[k] is where group k begins, start[n+1] the end.
+template <typename Each>
+void group_by(int32_t n, std::vector<int32_t>& start, std::vector<Link>& out, Each&& each) {
+  start.assign(static_cast<std::size_t>(n) + 2, 0);
+  std::size_t total = 0;
+  each([&](int32_t key, int32_t, int32_t) {
+    ++start[static_cast<std::size_t>(key) + 1];
+    ++total;
+  });
+  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
+  out.resize(total);
+  each([&](int32_t key, int32_t row, int32_t pos) {
+    out[static_cast<std::size_t>(start[static_cast<std::size_t>(key)]++)] = {row, pos};
+  });
+  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
+  start[0] = 0;
+}
+
+// Lays out, for the refactorisations, the entries of U by column with their
+// rows, ascending, in f.above from f.start[c] (the column chains of U and
+// row chains of L in the order they run), and the matrix's entries on and
+// below the diagonal by column, ascending row, in f.lower from
+// f.lower_start[c], with the place of each in f.lower_slot: flat, so that
+// the positions can be fetched ahead instead of one hop at a time.  Done once for the pattern that
+// nonsym74 found; the refactorisations on it find the layout made.
+void by_column(const BlockPattern& A, BlockStore& f) {
   if (f.laid_out) return;
   f.laid_out = true;
   const int32_t n = f.n;
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
-  std::vector<int32_t>& start = f.start;
-  std::vector<Link>& above = f.above;
-  start.assign(static_cast<std::size_t>(n) + 2, 0);
-  above.resize(static_cast<std::size_t>(iu[n + 1] - 1));
-  for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = iu[k] + 1; s < iu[k + 1]; ++s) ++start[static_cast<std::size_t>(ju[s]) + 1];
-  for (std::size_t c = 1; c < start.size(); ++c) start[c] += start[c - 1];
-  for (int32_t k = 1; k <= n; ++k)
-    for (int32_t s = iu[k] + 1; s < iu[k + 1]; ++s)
-      above[static_cast<std::size_t>(start[static_cast<std::size_t>(ju[s])]++)] = {k, s};
-  for (std::size_t c = start.size() - 1; c > 0; --c) start[c] = start[c - 1];
-  start[0] = 0;
+  group_by(n, f.start, f.above, [&](auto&& put) {
+    for (int32_t k = 1; k <= n; ++k)
+      for (int32_t s = iu[k] + 1; s < iu[k + 1]; ++s) put(ju[s], k, s);
+  });
+  group_by(n, f.lower_start, f.lower, [&](auto&& put) {
+    for (int32_t r = 1; r <= n; ++r)
+      for (int32_t p = A.ia[r]; p < A.ia[r + 1] && A.ja[p] <= r; ++p) put(A.ja[p], r, p);
+  });
+  f.lower_slot.assign(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1, 0);
+  for (std::size_t t = 0; t < f.lower.size(); ++t)
+    f.lower_slot[static_cast<std::size_t>(f.lower[t].pos)] = static_cast<int32_t>(t);
+  f.low.resize(f.lower.size());
 }
 
 }  // namespace
@@ -212,7 +262,9 @@ void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
       above.push_back(at);
     w.begin();
     w.enter(0, i);
-    eliminate<true>(A, v, f.iu.data(), f.ju.data(), f.val.data(), i, above.data(), above.size(), w);
+    load_new(A, v, i, w);
+    eliminate<true>(f.iu.data(), f.ju.data(), f.val.data(), above.data(), above.size(),
+                    above.size(), w);
 
     // The positions of row i: the union of both patterns (they agree on a
     // structurally symmetric matrix), ascending, without the pivot.
@@ -252,12 +304,15 @@ void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
 void nonsym74o(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
   const int32_t n = A.n;
   if (n < 1) return;
-  by_column(f);
+  by_column(A, f);
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
   const std::vector<int32_t>& start = f.start;
   const std::vector<Link>& above = f.above;
+  const std::vector<int32_t>& lstart = f.lower_start;
+  const std::vector<Link>& lower = f.lower;
 
+  gather_lower(A, v, f);
   BlockWork& w = f.work;
   w.fit(n);
   for (int32_t i = 1; i <= n; ++i) {
@@ -270,7 +325,10 @@ void nonsym74o(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);
-    eliminate<false>(A, v, iu, ju, f.val.data(), i, above.data() + from, to - from, w);
+    const std::size_t lfrom = static_cast<std::size_t>(lstart[static_cast<std::size_t>(i)]);
+    const std::size_t lto = static_cast<std::size_t>(lstart[static_cast<std::size_t>(i) + 1]);
+    load_laid_out(A, v, i, lower.data() + lfrom, f.low.data() + lfrom, lto - lfrom, w);
+    eliminate<false>(iu, ju, f.val.data(), above.data() + from, to - from, above.size() - from, w);
     store(f.val.data(), ju, i, q, count, w);
   }
 }
@@ -282,32 +340,38 @@ void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const Blo
   nonsym74({n, ia.data(), ja.data(), &ch}, v, f);
 }
 
-void solvxn(const BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
             Arr<double>& x2) {
   const int32_t n = f.n;
   const int32_t* piu = f.iu.data();
   const int32_t* pju = f.ju.data();
-  const Link* chain = f.chain.data();
   const BlockEntry* val = f.val.data();
   const double *pr1 = r1.data(), *pr2 = r2.data();
   double *px1 = x1.data(), *px2 = x2.data();
+  // Forward, by columns of L: once x[i] is known, its products with column
+  // i of L go into the sums of the rows below.  Each row's sums thus take
+  // their terms in ascending column, as a walk along the row would, and the
+  // factor is read in the order it is stored.
+  f.sums.assign(static_cast<std::size_t>(n) + 1, {0.0, 0.0});
+  BlockStore::Sum* sum = f.sums.data();
   for (int32_t i = 1; i <= n; ++i) {
-    int32_t p = piu[i];
+    const int32_t p = piu[i];
     const double* piv = val[p].v[0];
     const double a = piv[0], b = piv[1], c = piv[2], d = piv[3];
     double det = d * a - b * c;
     if (std::fabs(det) < kTinyPivot) det = det >= 0.0 ? kTinyPivot : -kTinyPivot;
     const double inv = 1.0 / det;
-    double s1 = 0.0, s2 = 0.0;
-    for (int32_t k = chain[p].row; k != 0 && k != i; k = chain[p].row) {
-      p = chain[p].pos;
-      const double* l = val[p].v[0];
-      s1 += l[1] * px2[k] + l[0] * px1[k];
-      s2 += l[3] * px2[k] + l[2] * px1[k];
+    const double e1 = pr1[i] - sum[i].s1, e2 = pr2[i] - sum[i].s2;
+    const double y1 = e2 * (-b) * inv + e1 * inv * d;
+    const double y2 = e2 * inv * a + e1 * (-c) * inv;
+    px1[i] = y1;
+    px2[i] = y2;
+    for (int32_t s = p + 1; s < piu[i + 1]; ++s) {
+      const double* l = val[s].v[0];
+      BlockStore::Sum& to = sum[pju[s]];
+      to.s1 += l[1] * y2 + l[0] * y1;
+      to.s2 += l[3] * y2 + l[2] * y1;
     }
-    const double e1 = pr1[i] - s1, e2 = pr2[i] - s2;
-    px1[i] = e2 * (-b) * inv + e1 * inv * d;
-    px2[i] = e2 * inv * a + e1 * (-c) * inv;
   }
   for (int32_t i = n - 1; i >= 1; --i) {
     double s1 = 0.0, s2 = 0.0;

@@ -72,13 +72,27 @@ struct BlockStore {
   std::vector<int32_t> ju;      // by position: column of U (= row of L); at a pivot, i itself
   std::vector<Link> chain;      // by position: the column chain of U (row chain of L)
   std::vector<BlockEntry> val;  // by position: the L block and the U block
-  // Work memory: the dense work row, and the entries of U by column laid out
-  // flat for a refactorisation (from start[c], ascending row), for the
-  // pattern of the factors (iu, ju) that they were laid out for.
+  // Work memory: the dense work row; for a refactorisation, laid out flat
+  // by column (from start[c] and lower_start[c], ascending row), the entries
+  // of U and the matrix's entries on and below the diagonal, for the
+  // patterns of the factors (iu, ju) and of the matrix they were laid out for.
   BlockWork work{0};
-  std::vector<int32_t> start;
-  std::vector<Link> above;
-  bool laid_out = false;  // start and above fit iu and ju
+  std::vector<int32_t> start, lower_start;
+  std::vector<Link> above, lower;
+  std::vector<int32_t>
+      lower_slot;         // by matrix position on or below the diagonal: its place in lower
+  bool laid_out = false;  // the layouts above fit the patterns
+  // One block [a b; c d] of the matrix.
+  struct Block {
+    double v[4];
+  };
+  std::vector<Block> low;  // by place in lower: the matrix's block, copied for each refactorisation
+  // The sums of the forward solution by block row, 1..n: written and read
+  // by solvxn alone.
+  struct Sum {
+    double s1, s2;
+  };
+  std::vector<Sum> sums;
   // Makes sure that positions up to q exist, growing at least twofold.
   void room(std::size_t q);
 };
@@ -102,7 +116,7 @@ void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const Blo
 
 // Solves L U x = r with the factors: x1, x2 the first and second unknown of
 // each block row, r1, r2 the right-hand sides (they may be x1, x2 themselves).
-void solvxn(const BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
+void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
             Arr<double>& x2);
 
 }  // namespace lf

@@ -5,54 +5,51 @@
 
 #include "sparse/ymatrix.hpp"
 #include "store/store.hpp"
-#include "support/growarr.hpp"
 
 namespace lf {
 
 namespace {
 
-// The neighbour lists of the elimination: singly linked cells, head[n] the
-// first cell of node n, next[c] the following one (0 at the end), node[c] the
-// neighbour.  tail[n] is the last cell of n's list, kept so that appending
-// needs no walk.
-struct Links {
-  Arr<int32_t> node, next, head, tail;
-  int32_t used = 0;
+// The neighbour lists of the elimination, each held in one run of a shared
+// pool so that a walk reads consecutive memory: node v's neighbours are
+// pool[beg[v] .. beg[v] + len[v] - 1], in no particular order (the order of
+// a list has no bearing on the ordering).  A list that outgrows its room
+// moves to the end of the pool with twice the room.
+struct Lists {
+  std::vector<int32_t> pool, beg, len, room;
+  int32_t cells = 0;  // entries ever added: the link cells of the elimination
 
-  // A fresh cell holding nb, not yet linked.
-  int32_t take(int32_t nb) {
-    if (used + 1 > static_cast<int32_t>(node.size())) {
-      // Grow in whole steps, at least doubling, so that a large fill-in is
-      // copied a few times only.
-      long long want = std::max<long long>(used + 1, 2LL * static_cast<long long>(node.size()));
-      redim(node, want);
-      redim(next, want);
+  explicit Lists(std::size_t nodes) : beg(nodes, 0), len(nodes, 0), room(nodes, 0) {}
+
+  // Gives each node the room that its count asks for, one run after another.
+  void lay_out(const std::vector<int32_t>& want) {
+    std::size_t total = 0;
+    for (std::size_t v = 0; v < want.size(); ++v) {
+      beg[v] = static_cast<int32_t>(total);
+      room[v] = want[v];
+      total += static_cast<std::size_t>(want[v]);
     }
-    ++used;
-    node[used] = nb;
-    next[used] = 0;
-    return used;
+    pool.assign(total, 0);
   }
-  void append(int32_t owner, int32_t cell) {
-    if (tail[owner] == 0) {
-      head[owner] = cell;
-    } else {
-      next[tail[owner]] = cell;
+  const int32_t* of(int32_t v) const { return pool.data() + beg[static_cast<std::size_t>(v)]; }
+  void add(int32_t v, int32_t nb) {
+    const std::size_t k = static_cast<std::size_t>(v);
+    if (len[k] == room[k]) {
+      const int32_t from = beg[k];
+      const int32_t grown = std::max(4, 2 * room[k]);
+      beg[k] = static_cast<int32_t>(pool.size());
+      pool.resize(pool.size() + static_cast<std::size_t>(grown));
+      std::copy_n(pool.begin() + from, len[k], pool.begin() + beg[k]);
+      room[k] = grown;
     }
-    tail[owner] = cell;
+    pool[static_cast<std::size_t>(beg[k] + len[k]++)] = nb;
+    ++cells;
   }
-  void unlink(int32_t owner, int32_t cell, int32_t prev) {
-    if (prev == 0) {
-      head[owner] = next[cell];
-    } else {
-      next[prev] = next[cell];
-    }
-    if (tail[owner] == cell) tail[owner] = prev;
-  }
-  void prepend(int32_t owner, int32_t cell) {
-    next[cell] = head[owner];
-    head[owner] = cell;
-    if (tail[owner] == 0) tail[owner] = cell;
+  // Takes the entry at place t out of v's list; the last entry moves there.
+  void take_out(int32_t v, int32_t t) {
+    const std::size_t k = static_cast<std::size_t>(v);
+    int32_t* list = pool.data() + beg[k];
+    list[t] = list[--len[k]];
   }
 };
 
@@ -117,23 +114,6 @@ void maxnob(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32_t& m
   for (int32_t k = 1; k <= nb; ++k) maxbus = std::max({maxbus, i[k], j[k]});
 }
 
-void srhlink(int32_t target, int32_t owner, const Arr<int32_t>& head, const Arr<int32_t>& node,
-             const Arr<int32_t>& next, int32_t& found, int32_t& pos, int32_t& prev) {
-  found = 0;
-  pos = 0;
-  prev = 0;
-  int32_t place = 0;
-  for (int32_t c = head[owner]; c != 0; c = next[c]) {
-    ++place;
-    prev = pos;
-    pos = c;
-    if (node[c] == target) {
-      found = place;
-      return;
-    }
-  }
-}
-
 void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32_t maxbus,
                  int32_t& n, Arr<int32_t>& newnum, int32_t& cells) {
   n = 0;
@@ -142,24 +122,36 @@ void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32
   newnum.grow(static_cast<std::size_t>(maxbus));
 
   const std::size_t nodes = static_cast<std::size_t>(maxbus) + 1;
-  Links lk;
-  lk.head.grow(static_cast<std::size_t>(maxbus));
-  lk.tail.grow(static_cast<std::size_t>(maxbus));
-  redim(lk.node, 4LL * nb);
-  redim(lk.next, 4LL * nb);
   std::vector<int32_t> deg(nodes, 0), level(nodes, 0), mark(nodes, 0);
 
   // Neighbour lists; parallel branches and both directions give one entry.
-  for (int32_t k = 1; k <= nb; ++k) {
-    if (i[k] == j[k]) continue;
-    for (int side = 0; side < 2; ++side) {
-      int32_t owner = side == 0 ? i[k] : j[k];
-      int32_t target = side == 0 ? j[k] : i[k];
-      int32_t found = 0, pos = 0, prev = 0;
-      srhlink(target, owner, lk.head, lk.node, lk.next, found, pos, prev);
-      if (found == 0) {
-        lk.append(owner, lk.take(target));
-        ++deg[owner];
+  // The ends of the true branches grouped by node first, for the room of
+  // each list, then entered once each.
+  Lists lk(nodes);
+  {
+    std::vector<int32_t> ends(nodes, 0);
+    for (int32_t k = 1; k <= nb; ++k) {
+      if (i[k] == j[k]) continue;
+      ++ends[static_cast<std::size_t>(i[k])];
+      ++ends[static_cast<std::size_t>(j[k])];
+    }
+    lk.lay_out(ends);
+    std::vector<int32_t> start(nodes + 1, 0), his(2 * static_cast<std::size_t>(std::max(nb, 0)));
+    for (std::size_t v = 1; v < nodes; ++v) start[v + 1] = start[v] + ends[v];
+    std::vector<int32_t> fill(start.begin(), start.end() - 1);
+    for (int32_t k = 1; k <= nb; ++k) {
+      if (i[k] == j[k]) continue;
+      his[static_cast<std::size_t>(fill[static_cast<std::size_t>(i[k])]++)] = j[k];
+      his[static_cast<std::size_t>(fill[static_cast<std::size_t>(j[k])]++)] = i[k];
+    }
+    for (int32_t v = 1; v <= maxbus; ++v) {
+      const std::size_t vv = static_cast<std::size_t>(v);
+      for (int32_t t = start[vv]; t < start[vv + 1]; ++t) {
+        const int32_t b = his[static_cast<std::size_t>(t)];
+        if (mark[static_cast<std::size_t>(b)] == v) continue;
+        mark[static_cast<std::size_t>(b)] = v;
+        lk.add(v, b);
+        ++deg[vv];
       }
     }
   }
@@ -177,38 +169,36 @@ void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32
     }
   }
 
-  std::vector<int32_t> nbrs;  // best's neighbours in list order
-  int32_t stamp = 0;
+  std::vector<int32_t> nbrs;  // best's neighbours
+  int32_t stamp = maxbus;     // above every mark of the lists' set-up
   int32_t numbered = 0;
   for (int32_t d = 0, l = 0, best = 0; cand.pop(d, l, best);) {
     if (deg[best] != d || level[best] != l) continue;  // stale entry
 
     newnum[best] = ++numbered;
-    nbrs.clear();
-    for (int32_t c = lk.head[best]; c != 0; c = lk.next[c]) nbrs.push_back(lk.node[c]);
+    nbrs.assign(lk.of(best), lk.of(best) + lk.len[static_cast<std::size_t>(best)]);
 
     for (std::size_t t = 0; t < nbrs.size(); ++t) {
       int32_t a = nbrs[t];
-      // One walk of a's list finds best's cell, to unlink it, and marks the
+      // One walk of a's list finds best, to take it out, and marks the
       // others: the lists are symmetric, so a mark on b answers whether a
       // stands in b's list.
       ++stamp;
-      int32_t pos = 0, prev = 0;
-      for (int32_t c = lk.head[a], before = 0; c != 0; before = c, c = lk.next[c]) {
-        if (lk.node[c] == best && pos == 0) {
-          pos = c;
-          prev = before;
-        }
-        mark[lk.node[c]] = stamp;
+      const int32_t* list = lk.of(a);
+      const int32_t count = lk.len[static_cast<std::size_t>(a)];
+      int32_t at = -1;
+      for (int32_t u = 0; u < count; ++u) {
+        if (list[u] == best) at = u;
+        mark[static_cast<std::size_t>(list[u])] = stamp;
       }
-      if (pos != 0) lk.unlink(a, pos, prev);
+      if (at >= 0) lk.take_out(a, at);
       --deg[a];
       level[a] = std::max(level[a], level[best] + 1);
       for (std::size_t u = t + 1; u < nbrs.size(); ++u) {
         int32_t b = nbrs[u];
-        if (mark[b] == stamp) continue;
-        lk.prepend(a, lk.take(b));
-        lk.append(b, lk.take(a));
+        if (mark[static_cast<std::size_t>(b)] == stamp) continue;
+        lk.add(a, b);
+        lk.add(b, a);
         ++deg[a];
         ++deg[b];
       }
@@ -216,7 +206,7 @@ void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32
     deg[best] = -1;
     for (int32_t a : nbrs) cand.push(deg[a], level[a], a);
   }
-  cells = lk.used;
+  cells = lk.cells;
 }
 
 void upnum(int32_t nb, int32_t n, const Arr<int32_t>& newnum, Arr<int32_t>& iou, int32_t& ny,

@@ -24,16 +24,9 @@ void maxnob(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32_t& m
 
 // The minimum-degree ordering.  n receives the number of nodes that have a
 // true branch, newnum[1..maxbus] the internal numbers (0 without a branch),
-// cells the number of link cells that the elimination used.
+// cells the number of neighbour entries that the elimination made.
 void optnob_mdml(int32_t nb, const Arr<int32_t>& i, const Arr<int32_t>& j, int32_t maxbus,
                  int32_t& n, Arr<int32_t>& newnum, int32_t& cells);
-
-// Searches owner's neighbour list (head[owner], next[], node[]) for target.
-// found: the place of the hit counted from 1, 0 for none; pos: the cell of
-// the hit, or the last cell of the list when there is none; prev: the cell
-// before pos.  An empty list gives 0 in all three.
-void srhlink(int32_t target, int32_t owner, const Arr<int32_t>& head, const Arr<int32_t>& node,
-             const Arr<int32_t>& next, int32_t& found, int32_t& pos, int32_t& prev);
 
 // Upper-row counts: iou[1..n] = distinct higher-numbered neighbours of each
 // internal node, ny = n + the number of distinct bus pairs.

@@ -64,10 +64,13 @@ void daxpy([[maybe_unused]] int32_t nfix, int32_t& nw, double* w, int32_t* wj, i
   nw += added;
 }
 
-void symtri71(int32_t n, int32_t /*nentries*/, int32_t capacity, const Arr<int32_t>& ia,
-              const Arr<int32_t>& ib, const Arr<int32_t>& ja, const Arr<double>& a,
-              Arr<int32_t>& il, Arr<int32_t>& jl, Arr<int32_t>& lnrow, Arr<int32_t>& lnpos,
-              Arr<double>& lv) {
+void symtri71(const SymMatrix& A, int32_t capacity, SymFactors& f, Arr<double>& lv) {
+  const int32_t n = A.n;
+  const int32_t* ia = A.ia;
+  const int32_t* ja = A.ja;
+  const double* a = A.a;
+  f.n = n;
+  Arr<int32_t>&il = f.il, &jl = f.jl, &lnrow = f.lnrow, &lnpos = f.lnpos;
   il.grow(static_cast<std::size_t>(n) + 1);
   room(std::max(capacity, 1), jl, lnrow, lnpos, lv);
   const std::size_t cols = static_cast<std::size_t>(n) + 1;
@@ -77,7 +80,7 @@ void symtri71(int32_t n, int32_t /*nentries*/, int32_t capacity, const Arr<int32
   int32_t q = 1;
   for (int32_t i = 1; i <= n; ++i) {
     // The row of the matrix, diagonal first.
-    int32_t nw = ib[i + 1] - ia[i];
+    int32_t nw = ia[i + 1] - ia[i];
     for (int32_t t = 0; t < nw; ++t) {
       w[static_cast<std::size_t>(t)] = a[ia[i] + t];
       wj[static_cast<std::size_t>(t)] = ja[ia[i] + t];
@@ -129,43 +132,45 @@ void symtri71(int32_t n, int32_t /*nentries*/, int32_t capacity, const Arr<int32
   }
 }
 
-void solvxs(int32_t k, int32_t n, int32_t, int32_t /*capacity*/, int32_t, const Arr<int32_t>& il,
-            const Arr<int32_t>& jl, const Arr<int32_t>& lnrow, const Arr<int32_t>& lnpos,
-            Arr<double>& lv, const Arr<double>& lvi, const Arr<double>& b, const Arr<double>& bi,
-            Arr<double>& x, Arr<double>& xi) {
-  const int32_t* pil = il.data();
-  const int32_t* pjl = jl.data();
-  const int32_t* prow = lnrow.data();
-  const int32_t* ppos = lnpos.data();
+void solvxs(const SymFactors& f, Arr<double>& lv, const Arr<double>& b, Arr<double>& x) {
+  const int32_t n = f.n;
+  const int32_t* pil = f.il.data();
+  const int32_t* pjl = f.jl.data();
+  const int32_t* prow = f.lnrow.data();
+  const int32_t* ppos = f.lnpos.data();
   double* pv = lv.data();
   const double* pb = b.data();
   double* px = x.data();
-  if (k == 1) {
-    for (int32_t i = 1; i <= n; ++i) {
-      double s = 0.0;
-      int32_t p = pil[i];
-      for (int32_t c = prow[p]; c != 0 && c != i; c = prow[p]) {
-        p = ppos[p];
-        s += pv[p] * px[c];
-      }
-      px[i] = pb[i] - s;
+  for (int32_t i = 1; i <= n; ++i) {
+    double s = 0.0;
+    int32_t p = pil[i];
+    for (int32_t c = prow[p]; c != 0 && c != i; c = prow[p]) {
+      p = ppos[p];
+      s += pv[p] * px[c];
     }
-    for (int32_t i = 1; i <= n; ++i) {
-      double& d = pv[pil[i]];
-      if (std::fabs(d) < kTinyPivot) d = d >= 0.0 ? kTinyPivot : -kTinyPivot;
-      px[i] /= d;
-    }
-    for (int32_t i = n; i >= 1; --i) {
-      double s = 0.0;
-      for (int32_t t = pil[i] + 1; t < pil[i + 1]; ++t) s += pv[t] * px[pjl[t]];
-      px[i] -= s;
-    }
-    return;
+    px[i] = pb[i] - s;
   }
-  // Complex right-hand side on complex factors.
-  const double* pvi = lvi.data();
-  const double* pbi = bi.data();
-  double* pxi = xi.data();
+  for (int32_t i = 1; i <= n; ++i) {
+    double& d = pv[pil[i]];
+    if (std::fabs(d) < kTinyPivot) d = d >= 0.0 ? kTinyPivot : -kTinyPivot;
+    px[i] /= d;
+  }
+  for (int32_t i = n; i >= 1; --i) {
+    double s = 0.0;
+    for (int32_t t = pil[i] + 1; t < pil[i + 1]; ++t) s += pv[t] * px[pjl[t]];
+    px[i] -= s;
+  }
+}
+
+void solvxs(const SymFactors& f, const ComplexIn& lv, const ComplexIn& b, const ComplexOut& x) {
+  const int32_t n = f.n;
+  const int32_t* pil = f.il.data();
+  const int32_t* pjl = f.jl.data();
+  const int32_t* prow = f.lnrow.data();
+  const int32_t* ppos = f.lnpos.data();
+  const double *pv = lv.re.data(), *pvi = lv.im.data();
+  const double *pb = b.re.data(), *pbi = b.im.data();
+  double *px = x.re.data(), *pxi = x.im.data();
   for (int32_t i = 1; i <= n; ++i) {
     double sr = 0.0, si = 0.0;
     int32_t p = pil[i];

@@ -1,8 +1,7 @@
 // Symmetric factorisation U' D U of a real symmetric sparse matrix held as
 // its upper triangle on the index structure of Y, and the solution with it.
 //
-// Factor layout (arrays sized by the caller; they grow when the fill-in needs
-// more room than given):
+// Factor layout (SymFactors, with the values in an array of their own):
 //   il[i]          position of row i's pivot; il[n+1] is one past the last entry
 //   jl[s], lv[s]   column and value: at il[i] the pivot d[i], after it the
 //                  entries u[i][j], j > i, already divided by the pivot, in
@@ -25,14 +24,29 @@ namespace lf {
 // are replaced by +-kTinyPivot.
 constexpr double kTinyPivot = 1e-20;
 
-// Factorises the n x n matrix given by rows: entries ia[i] .. ib[i+1]-1 of
-// ja (columns, diagonal first, then ascending) and a (values).  The fill-in is
-// found row by row.  A pivot of size at most 1e-20 becomes 1e-20 (0 or above)
-// or -1e-20.  capacity is the expected entry count of the factor.
-void symtri71(int32_t n, int32_t nentries, int32_t capacity, const Arr<int32_t>& ia,
-              const Arr<int32_t>& ib, const Arr<int32_t>& ja, const Arr<double>& a,
-              Arr<int32_t>& il, Arr<int32_t>& jl, Arr<int32_t>& lnrow, Arr<int32_t>& lnpos,
-              Arr<double>& lv);
+// A view of the matrix: n rows, entries ia[i] .. ia[i+1]-1 of ja (columns,
+// diagonal first, then ascending) and a (values), all from index 1.  On the
+// index structure of Y: ia = IY, ja = JY.
+struct SymMatrix {
+  int32_t n = 0;
+  const int32_t* ia = nullptr;
+  const int32_t* ja = nullptr;
+  const double* a = nullptr;
+};
+
+// The positions of the factors, laid out as above: rows (il), columns (jl)
+// and column chains (lnrow, lnpos).  symtri71 writes them, solvxs reads them;
+// the values stand apart (lv), so that two matrices of one pattern share one.
+struct SymFactors {
+  int32_t n = 0;  // rows factorised
+  Arr<int32_t> il, jl, lnrow, lnpos;
+};
+
+// Factorises the matrix into f and lv, finding the fill-in row by row.  A
+// pivot of size at most 1e-20 becomes 1e-20 (0 or above) or -1e-20.
+// capacity is the expected entry count of the factors; they grow beyond it
+// when the fill-in needs more.
+void symtri71(const SymMatrix& a, int32_t capacity, SymFactors& f, Arr<double>& lv);
 
 // Sparse row update w += alpha * x.  Arrays are addressed by their first
 // element (index 1).  w[1..nw], wj[1..nw] is a row with ascending columns,
@@ -43,14 +57,23 @@ void symtri71(int32_t n, int32_t nentries, int32_t capacity, const Arr<int32_t>&
 void daxpy(int32_t nfix, int32_t& nw, double* w, int32_t* wj, int32_t m, const double* x,
            const int32_t* xj, int32_t thr, double alpha);
 
-// Solves with the factors of symtri71: k = 1 a real right-hand side b into x;
-// k = 2 a complex one, with the imaginary parts of factor, right-hand side and
-// result in lvi, bi, xi (untouched when k = 1).  In the real solution a pivot
-// below 1e-20 in size is overwritten in the factor by +-1e-20.  The third and
-// fifth arguments have no effect.  b and x may be the same array.
-void solvxs(int32_t k, int32_t n, int32_t, int32_t capacity, int32_t, const Arr<int32_t>& il,
-            const Arr<int32_t>& jl, const Arr<int32_t>& lnrow, const Arr<int32_t>& lnpos,
-            Arr<double>& lv, const Arr<double>& lvi, const Arr<double>& b, const Arr<double>& bi,
-            Arr<double>& x, Arr<double>& xi);
+// Solves with the factors of symtri71 the real right-hand side b into x (b
+// and x may be the same array).  A pivot below 1e-20 in size is overwritten
+// in lv by +-1e-20.
+void solvxs(const SymFactors& f, Arr<double>& lv, const Arr<double>& b, Arr<double>& x);
+
+// Complex vectors by index: real and imaginary parts, read or written.
+struct ComplexIn {
+  const Arr<double>& re;
+  const Arr<double>& im;
+};
+struct ComplexOut {
+  Arr<double>& re;
+  Arr<double>& im;
+};
+
+// The same for a complex right-hand side b on complex factor values lv,
+// into x (b and x may be the same); the factor is not written.
+void solvxs(const SymFactors& f, const ComplexIn& lv, const ComplexIn& b, const ComplexOut& x);
 
 }  // namespace lf

@@ -65,7 +65,7 @@ void again(const BlockMatrix& m, const BlockChains& ch, BlockStore& f) {
 }
 
 // Solves with the factors and checks against the dense solution.
-void expect_solves(const BlockMatrix& m, const BlockStore& f, std::mt19937& rng, int slack) {
+void expect_solves(const BlockMatrix& m, BlockStore& f, std::mt19937& rng, int slack) {
   const int n = m.n;
   std::vector<std::vector<double>> dense(2 * n, std::vector<double>(2 * n, 0.0));
   for (int32_t i = 1; i <= n; ++i)

@@ -45,15 +45,13 @@ Upper upper_of(const std::vector<std::set<int>>& adj, std::mt19937& rng,
   return m;
 }
 
-struct Factor {
-  Arr<int32_t> il, jl, lnrow, lnpos;
+struct Factor : SymFactors {
   Arr<double> lv, lvi;
 };
 
 Factor factorise(const Upper& m, int32_t capacity) {
   Factor f;
-  symtri71(m.n, m.ia[m.n + 1] - 1, capacity, m.ia, m.ia, m.ja, m.a, f.il, f.jl, f.lnrow, f.lnpos,
-           f.lv);
+  symtri71({m.n, m.ia.data(), m.ja.data(), m.a.data()}, capacity, f, f.lv);
   return f;
 }
 
@@ -66,11 +64,11 @@ TEST(SymmetricFactors, RandomSystemsMatchDenseSolve) {
     Upper m = upper_of(adj, rng, dense);
     // A small capacity makes the factor stores grow on the way.
     Factor f = factorise(m, trial % 2 == 0 ? 1 : 5 * (m.ia[m.n + 1] - 1));
-    Arr<double> b(n), x(n), none;
+    Arr<double> b(n), x(n);
     std::vector<double> bv(n);
     std::uniform_real_distribution<double> u(-1.0, 1.0);
     for (int i = 1; i <= n; ++i) b[i] = bv[i - 1] = u(rng);
-    solvxs(1, n, 1, 0, 1, f.il, f.jl, f.lnrow, f.lnpos, f.lv, none, b, none, x, none);
+    solvxs(f, f.lv, b, x);
     std::vector<double> want = test::dense_solve(dense, bv);
     for (int i = 1; i <= n; ++i) ASSERT_NEAR(x[i], want[i - 1], 1e-8) << "trial " << trial;
   }
@@ -90,15 +88,15 @@ TEST(SymmetricFactors, VanishingPivotsKeepTheirSign) {
   EXPECT_EQ(f.lv[f.il[1]], 1e-20);
   EXPECT_EQ(f.lv[f.il[2]], -1e-20);
   EXPECT_EQ(f.lv[f.il[3]], 4.0);
-  Arr<double> b(3), x(3), none;
+  Arr<double> b(3), x(3);
   b[1] = 1.0, b[2] = 1.0, b[3] = 2.0;
-  solvxs(1, 3, 1, 20, 1, f.il, f.jl, f.lnrow, f.lnpos, f.lv, none, b, none, x, none);
+  solvxs(f, f.lv, b, x);
   EXPECT_EQ(x[1], 1e20);
   EXPECT_EQ(x[2], -1e20);
   EXPECT_EQ(x[3], 0.5);
   // A pivot spoilt after the factorisation is replaced by the solution itself.
   f.lv[f.il[3]] = -0.0;
-  solvxs(1, 3, 1, 20, 1, f.il, f.jl, f.lnrow, f.lnpos, f.lv, none, b, none, x, none);
+  solvxs(f, f.lv, b, x);
   EXPECT_EQ(f.lv[f.il[3]], 1e-20);
 }
 
@@ -116,7 +114,7 @@ TEST(SymmetricFactors, ComplexSolutionOnComplexFactors) {
   for (int32_t s = 1; s <= used; ++s) f.lv[s] = u(rng), f.lvi[s] = u(rng);
   Arr<double> b(n), bi(n), x(n), xi(n);
   for (int i = 1; i <= n; ++i) b[i] = u(rng), bi[i] = u(rng);
-  solvxs(2, n, 1, 0, 1, f.il, f.jl, f.lnrow, f.lnpos, f.lv, f.lvi, b, bi, x, xi);
+  solvxs(f, {f.lv, f.lvi}, {b, bi}, {x, xi});
   auto at = [&f](int32_t s) { return cd(f.lv[s], f.lvi[s]); };
   std::vector<cd> ux(n + 1), back(n + 1);
   for (int32_t i = 1; i <= n; ++i) {

@@ -43,6 +43,25 @@ void end_capture() {
   captured = nullptr;
 }
 
+// Prints the summary of the results that the calculation wrote (read back
+// from the report files or the database) and keeps its time line in the
+// run log.
+void print_results(const std::string& case_name, const std::string& db, bool converged,
+                   double seconds) {
+  lfres::CaseResults results;
+  if (db.empty()) {
+    lfres::read_file_results(case_name, results);
+  } else {
+    lfres::read_db_results(db, case_name, results);
+  }
+  run_log.flush();
+  const lfres::RunLog log = lfres::parse_run_log(lfres::read_lines(case_name + ".LOG"));
+  for (const auto& line : lfres::summary_lines(results, log, converged, seconds)) {
+    if (line.find(lfres::kTimeLabel) != std::string::npos) run_log << line << '\n';
+    std::puts(line.c_str());
+  }
+}
+
 }  // namespace
 
 void start_calculation(const std::string& case_name, bool nonlinear) {
@@ -61,17 +80,10 @@ void finish_calculation(const std::string& case_name, const std::string& db, boo
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
   end_capture();
-  lfres::CaseResults results;
-  if (db.empty()) {
-    lfres::read_file_results(case_name, results);
-  } else {
-    lfres::read_db_results(db, case_name, results);
-  }
-  run_log.flush();
-  const lfres::RunLog log = lfres::parse_run_log(lfres::read_lines(case_name + ".LOG"));
-  for (const auto& line : lfres::summary_lines(results, log, converged, seconds)) {
-    if (line.find(lfres::kTimeLabel) != std::string::npos) run_log << line << '\n';
-    if (print_summary) std::puts(line.c_str());
+  if (print_summary) {
+    print_results(case_name, db, converged, seconds);
+  } else {  // the run log keeps the time line all the same
+    run_log << lfres::time_line(seconds) << '\n';
   }
   run_log.close();
   std::fflush(stdout);

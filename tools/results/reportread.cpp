@@ -1,9 +1,13 @@
 // Reading the case files and the report files of a case into CaseResults.
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <set>
+#include <string_view>
+#include <vector>
 
 #include "results.hpp"
 #include "support/freeread.hpp"
@@ -14,49 +18,98 @@ namespace {
 constexpr double kNoBaseKv = 1e-4;  // a base voltage at most this is none
 constexpr double kNoLimit = 1e-3;   // a per-unit limit at most this is none
 
-// The fields of one report line: split at the commas, blanks and quotes
-// taken off.  A field of asterisks (a value too wide for it) stays as it is.
-std::vector<std::string> fields_of(const std::string& line) {
-  std::vector<std::string> out;
-  std::string f;
-  bool quoted = false;
-  for (char c : line) {
-    if (c == '\'') {
-      quoted = !quoted;
-    } else if (c == ',' && !quoted) {
-      out.push_back(f);
-      f.clear();
-    } else if (c != '\r') {
-      f += c;
+// A report file taken in whole and handed out a line at a time, each line
+// split into its fields: the text between commas outside quotes, without
+// the quotes, carriage returns and the blanks at either end.  The text after
+// the last comma is no field.  A field of asterisks (a value too wide for
+// it) stays as it is.  No file reads as no lines.
+class ReportLines {
+ public:
+  explicit ReportLines(const std::string& path) {
+    if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
+      char buf[1 << 16];
+      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text_.append(buf, n);
+      std::fclose(f);
     }
   }
-  for (auto& s : out) {
-    s.erase(0, s.find_first_not_of(' '));
-    s.erase(s.find_last_not_of(' ') + 1);
+
+  // Takes the next line; false at the end of the file.
+  bool next() {
+    if (pos_ >= text_.size()) return false;
+    std::size_t end = text_.find('\n', pos_);
+    if (end == std::string::npos) end = text_.size();
+    bounds_.clear();
+    const std::string_view line(text_.data() + pos_, end - pos_);
+    if (std::none_of(line.begin(), line.end(), [](char c) { return c == '\'' || c == '\r'; })) {
+      // No quotes and no carriage returns: the fields as they stand.
+      line_ = line;
+      for (std::size_t start = 0, comma; (comma = line.find(',', start)) != line.npos;
+           start = comma + 1)
+        bounds_.emplace_back(start, comma);
+      pos_ = end + 1;
+      return true;
+    }
+    clean_.clear();
+    std::size_t start = 0;
+    bool quoted = false;
+    for (std::size_t k = pos_; k < end; ++k) {
+      const char c = text_[k];
+      if (c == '\'') {
+        quoted = !quoted;
+      } else if (c == ',' && !quoted) {
+        bounds_.emplace_back(start, clean_.size());
+        start = clean_.size();
+      } else if (c != '\r') {
+        clean_ += c;
+      }
+    }
+    line_ = clean_;
+    pos_ = end + 1;
+    return true;
   }
-  return out;
+
+  std::size_t size() const { return bounds_.size(); }
+  std::vector<std::string> fields() const {
+    std::vector<std::string> out;
+    for (std::size_t k = 0; k < size(); ++k) out.emplace_back((*this)[k]);
+    return out;
+  }
+  std::string_view operator[](std::size_t k) const {
+    std::string_view f(line_.data() + bounds_[k].first, bounds_[k].second - bounds_[k].first);
+    while (!f.empty() && f.front() == ' ') f.remove_prefix(1);
+    while (!f.empty() && f.back() == ' ') f.remove_suffix(1);
+    return f;
+  }
+
+ private:
+  std::string text_;       // the whole file
+  std::size_t pos_ = 0;    // start of the next line
+  std::string clean_;      // the present line without quotes, where it has any
+  std::string_view line_;  // the present line: in text_, or clean_
+  std::vector<std::pair<std::size_t, std::size_t>> bounds_;  // its fields in line_
+};
+
+// A field as a number, as strtod takes it, the whole field used.  The plain
+// decimal forms of the reports convert without a copy.
+bool number(std::string_view text, double& v) {
+  if (text.empty()) return false;
+  const char* end = text.data() + text.size();
+  if (auto [p, ec] = std::from_chars(text.data(), end, v); ec == std::errc() && p == end)
+    return true;
+  const std::string copy(text);
+  char* stop = nullptr;
+  v = std::strtod(copy.c_str(), &stop);
+  return *stop == '\0';
 }
 
-bool number(const std::string& text, double& v) {
-  char* end = nullptr;
-  v = std::strtod(text.c_str(), &end);
-  return !text.empty() && *end == '\0';
-}
-
-bool integer(const std::string& text, int& v) {
+bool integer(std::string_view text, int& v) {
+  const char* end = text.data() + text.size();
+  if (auto [p, ec] = std::from_chars(text.data(), end, v); ec == std::errc() && p == end)
+    return true;
   double d = 0;
   if (!number(text, d) || d != std::floor(d)) return false;
   v = static_cast<int>(d);
   return true;
-}
-
-// Lines of one report file, each split into fields; empty when it is absent.
-std::vector<std::vector<std::string>> report(const std::string& path) {
-  std::vector<std::vector<std::string>> rows;
-  std::ifstream in(path);
-  std::string line;
-  while (std::getline(in, line)) rows.push_back(fields_of(line));
-  return rows;
 }
 
 class Reader {
@@ -113,12 +166,8 @@ class Reader {
     }
   }
 
-  // The rows of the branch and generator files as read: which buses have a
-  // branch (the bus report leaves out the others), and the generators'
-  // types and limits.
+  // The generator rows as read: their types and limits.
   void read_case_rows() {
-    if (counts_[1] != 0) read_branch_ends(false);
-    if (counts_[2] != 0) read_branch_ends(true);
     if (counts_[4] == 0) return;
     lf::FreeReader in;
     if (!in.open(stem_ + ".L5")) return;
@@ -133,6 +182,14 @@ class Reader {
     }
   }
 
+  // Which buses are at an end of a branch in service (the bus report leaves
+  // out the others), by the branch files as read.
+  void read_connected() {
+    connected_.assign(r_.buses.size() + 1, false);
+    if (counts_[1] != 0) read_branch_ends(false);
+    if (counts_[2] != 0) read_branch_ends(true);
+  }
+
   void read_branch_ends(bool transformer) {
     lf::FreeReader in;
     if (!in.open(stem_ + (transformer ? ".L3" : ".L2"))) return;
@@ -140,7 +197,10 @@ class Reader {
       int mark = 0, i = 0, j = 0, no = 0;
       double r, x, t;
       if (!in(mark, i, j, no, r, x, t)) break;
-      if (mark > 0) connected_.insert(std::abs(i)), connected_.insert(std::abs(j));
+      if (mark <= 0) continue;
+      for (const int end : {std::abs(i), std::abs(j)})
+        if (end >= 0 && end < static_cast<int>(connected_.size()))
+          connected_[static_cast<std::size_t>(end)] = true;
     }
   }
 
@@ -157,23 +217,25 @@ class Reader {
   // line per solved bus in ascending order.  A bus number too wide for its
   // field is the next bus after the last that has a branch.
   bool read_bus_report() {
-    auto rows = report(stem_ + ".LP1");
-    if (rows.empty() || rows[0].size() < 2) {
+    ReportLines f(stem_ + ".LP1");
+    if (!f.next() || f.size() < 2) {
       problem(".LP1", "missing or without its first line");
       return false;
     }
     int status = 1;
-    integer(rows[0][0], status);
+    integer(f[0], status);
     r_.converged = status == 0;
-    r_.stamp = rows[0][1];
+    r_.stamp = f[1];
     int last = 0;
-    for (std::size_t k = 1; k < rows.size(); ++k) {
-      const auto& f = rows[k];
+    for (std::size_t k = 1; f.next(); ++k) {
       int bus = 0;
       if (f.size() < 3) continue;
       if (!integer(f[0], bus)) {
+        if (connected_.empty()) read_connected();
         bus = last + 1;
-        while (bus <= static_cast<int>(r_.buses.size()) && !connected_.count(bus)) ++bus;
+        while (bus <= static_cast<int>(r_.buses.size()) &&
+               !connected_[static_cast<std::size_t>(bus)])
+          ++bus;
       }
       last = bus;
       if (bus < 1 || bus > static_cast<int>(r_.buses.size())) {
@@ -187,7 +249,7 @@ class Reader {
   }
 
   void read_branches(const char* ext, bool transformer) {
-    for (const auto& f : report(stem_ + ext)) {
+    for (ReportLines f(stem_ + ext); f.next();) {
       Branch b;
       b.transformer = transformer;
       if (f.size() < 9 || !integer(f[0], b.i) || !integer(f[1], b.j) || !integer(f[2], b.no))
@@ -205,7 +267,7 @@ class Reader {
   // next row as read at the same bus.
   void read_generators() {
     std::map<int, std::size_t> next;  // bus -> next row as read to look at
-    for (const auto& f : report(stem_ + ".LP5")) {
+    for (ReportLines f(stem_ + ".LP5"); f.next();) {
       Generator g;
       if (f.size() < 4 || !number(f[1], g.p) || !number(f[2], g.q)) continue;
       integer(f[3], g.merged);
@@ -223,7 +285,7 @@ class Reader {
   }
 
   void read_loads() {
-    for (const auto& f : report(stem_ + ".LP6")) {
+    for (ReportLines f(stem_ + ".LP6"); f.next();) {
       Load l;
       if (f.size() < 4 || !number(f[2], l.p) || !number(f[3], l.q)) continue;
       if (!integer(f[0], l.bus)) l.bus = 0;
@@ -233,10 +295,12 @@ class Reader {
   }
 
   void read_dclines() {
-    auto rows = report(stem_ + ".LP4");
-    for (std::size_t k = 0; k + 1 < rows.size(); k += 5) {
-      const auto& a = rows[k];
-      const auto& b = rows[k + 1];
+    // Five lines a DC line; the first two hold what the summary shows.
+    ReportLines b(stem_ + ".LP4");
+    std::vector<std::string> a;  // the first line of the present DC line
+    for (std::size_t k = 0; b.next(); ++k) {
+      if (k % 5 == 0) a = b.fields();
+      if (k % 5 != 1) continue;
       DcLine d;
       if (a.size() < 9 || b.size() < 3 || !integer(a[0], d.i) || !integer(a[1], d.j) ||
           !integer(a[2], d.no))
@@ -262,7 +326,7 @@ class Reader {
         schedules[area] = Area{area, name, schedule, 0, 0};
       }
     }
-    for (const auto& f : report(stem_ + ".LP7")) {
+    for (ReportLines f(stem_ + ".LP7"); f.next();) {
       Area a;
       if (f.size() < 3 || !integer(f[0], a.number)) continue;
       if (auto it = schedules.find(a.number); it != schedules.end()) a = it->second;
@@ -275,7 +339,7 @@ class Reader {
   CaseResults& r_;
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
-  std::set<int> connected_;                 // buses at an end of a branch in service
+  std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
   std::vector<Generator> case_generators_;  // generator rows as read, without output
 };
 

@@ -44,13 +44,26 @@ Totals totals_of(const CaseResults& r) {
   return t;
 }
 
-std::vector<const Branch*> by_loading(const CaseResults& r) {
-  std::vector<const Branch*> out;
-  for (const auto& b : r.branches)
-    if (!b.shunt() && std::isfinite(b.loading())) out.push_back(&b);
-  std::stable_sort(out.begin(), out.end(),
-                   [](const Branch* a, const Branch* b) { return a->loading() > b->loading(); });
+std::vector<const Branch*> by_loading(const CaseResults& r, std::size_t limit) {
+  // Each loading taken once; equal loadings keep the order of the reports.
+  std::vector<std::pair<double, const Branch*>> loaded;
+  for (const auto& b : r.branches) {
+    const double s = b.loading();
+    if (!b.shunt() && std::isfinite(s)) loaded.emplace_back(s, &b);
+  }
+  const auto heavier = [](const auto& a, const auto& b) {
+    return a.first > b.first || (a.first == b.first && a.second < b.second);
+  };
+  const std::size_t n = std::min(limit, loaded.size());
+  std::partial_sort(loaded.begin(), loaded.begin() + static_cast<std::ptrdiff_t>(n), loaded.end(),
+                    heavier);
+  std::vector<const Branch*> out(n);
+  for (std::size_t k = 0; k < n; ++k) out[k] = loaded[k].second;
   return out;
+}
+
+std::string time_line(double seconds) {
+  return format("  %s %.3f ms", kTimeLabel, seconds * 1000);
 }
 
 std::vector<std::string> summary_lines(const CaseResults& r, const RunLog& log, bool converged,
@@ -60,7 +73,7 @@ std::vector<std::string> summary_lines(const CaseResults& r, const RunLog& log, 
   out.push_back("");
   out.push_back("Result summary of " + std::filesystem::path(r.stem).filename().string());
   out.push_back(outcome(r, log, converged));
-  if (seconds >= 0) out.push_back(format("  %s %.3f ms", kTimeLabel, seconds * 1000));
+  if (seconds >= 0) out.push_back(time_line(seconds));
   const Totals t = totals_of(r);
   out.push_back(format("  %-12s %12s %12s", "", "MW", "Mvar"));
   out.push_back(format("  %-12s %12.2f %12.2f", "Generation", t.gen_p * base, t.gen_q * base));
@@ -81,11 +94,11 @@ std::vector<std::string> summary_lines(const CaseResults& r, const RunLog& log, 
         format("  Highest voltage %8.4f pu at %s", high->v, bus_label(r, high->number).c_str()));
   }
 
-  const auto loaded = by_loading(r);
+  const auto loaded = by_loading(r, kBranchesShown);
   if (!loaded.empty()) {
     out.push_back("  Most loaded branches (MVA at the more loaded end):");
-    for (std::size_t k = 0; k < std::min(kBranchesShown, loaded.size()); ++k) {
-      const Branch& b = *loaded[k];
+    for (const Branch* shown : loaded) {
+      const Branch& b = *shown;
       out.push_back(format("    %10.2f  %s %d-%d No %d  '%s' - '%s'", b.loading() * base,
                            b.transformer ? "transformer" : "line", r.shown_number(b.i),
                            r.shown_number(b.j), b.no, r.bus_name(b.i).c_str(),

@@ -3,6 +3,7 @@
 // reactive limit, as lines of text.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,12 @@ struct Totals {
 };
 Totals totals_of(const CaseResults& r);
 
-// The branches in order of falling loading (shunt branches left out).
-std::vector<const Branch*> by_loading(const CaseResults& r);
+// The branches in order of falling loading (shunt branches left out), at
+// most limit of them.
+std::vector<const Branch*> by_loading(const CaseResults& r, std::size_t limit = SIZE_MAX);
+
+// The summary's line of the calculation time.
+std::string time_line(double seconds);
 
 // The lines of the summary; seconds below 0 leaves the time out.
 std::vector<std::string> summary_lines(const CaseResults& r, const RunLog& log, bool converged,

@@ -1,7 +1,9 @@
 #include "casefile/check/encoding.hpp"
 
-#include <fstream>
-#include <iterator>
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 
 namespace lf::check {
 
@@ -22,23 +24,41 @@ std::size_t utf8_length(const std::string& text, std::size_t i) {
   return n;
 }
 
+// The first position from `from` on that holds a byte outside ASCII (the
+// text's size when there is none), eight bytes at a time.
+std::size_t plain_ascii_end(const std::string& text, std::size_t from) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+  std::size_t i = from;
+  for (std::uint64_t word; i + sizeof word <= text.size(); i += sizeof word) {
+    std::memcpy(&word, text.data() + i, sizeof word);
+    if (word & kHighBits) break;
+  }
+  while (i < text.size() && static_cast<unsigned char>(text[i]) < 0x80) ++i;
+  return i;
+}
+
 }  // namespace
 
 void check_encoding(const std::string& path, Warnings& w) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return;
-  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  if (!f) return;
+  std::string text;
+  char chunk[1 << 16];
+  for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) text.append(chunk, n);
+  std::fclose(f);
   if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
     w.push_back(path + ": starts with a UTF-8 byte-order mark, which the engine passes over");
   if (text.find('\0') != std::string::npos) {
     w.push_back(path + ": holds NUL bytes: UTF-16 or binary data, not a text the engine can read");
     return;
   }
-  long line = 1;
   for (std::size_t i = 0; i < text.size();) {
-    if (text[i] == '\n') ++line;
+    i = plain_ascii_end(text, i);
+    if (i == text.size()) break;
     const std::size_t n = utf8_length(text, i);
     if (n == 0) {
+      const auto line =
+          1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(i), '\n');
       w.push_back(path + " line " + std::to_string(line) +
                   ": bytes that are not UTF-8 (another encoding?); names may read wrongly");
       return;

@@ -11,20 +11,25 @@ int32_t Family::header(std::string_view field) const {
   return std::max(l0.integer(l0.records[0], field), 0);
 }
 
-bool Family::reads(const FileRead& f) const {
+namespace {
+
+// Whether the engine opens file f of the family, by the counts of .L0.
+bool engine_reads(const Family& fam, const FileRead& f) {
   if (!f.present) return false;
-  if (&f == &l0) return true;
-  if (&f == &l1) return header("nbus") > 0;
-  if (&f == &l2) return header("nacline") > 0;
-  if (&f == &l3) return header("ntrans") > 0;
-  if (&f == &nl4) return header("ndcline") > 0;
-  if (&f == &l5) return header("ngenerat") > 0;
-  if (&f == &l6) return header("nload") > 0;
-  if (&f == &l7) return header("narea") > 0;
-  if (&f == &l10) return header("ctrl_fact") > 0;
-  if (&f == &l13) return header("ctrl_sub") > 0 && header("nswitch") > 0;
-  return &f == &dat;
+  if (&f == &fam.l0) return true;
+  if (&f == &fam.l1) return fam.header("nbus") > 0;
+  if (&f == &fam.l2) return fam.header("nacline") > 0;
+  if (&f == &fam.l3) return fam.header("ntrans") > 0;
+  if (&f == &fam.nl4) return fam.header("ndcline") > 0;
+  if (&f == &fam.l5) return fam.header("ngenerat") > 0;
+  if (&f == &fam.l6) return fam.header("nload") > 0;
+  if (&f == &fam.l7) return fam.header("narea") > 0;
+  if (&f == &fam.l10) return fam.header("ctrl_fact") > 0;
+  if (&f == &fam.l13) return fam.header("ctrl_sub") > 0 && fam.header("nswitch") > 0;
+  return &f == &fam.dat;
 }
+
+}  // namespace
 
 int32_t Family::nbus() const {
   return reads(l1) ? static_cast<int32_t>(l1.records.size()) : 0;
@@ -51,10 +56,13 @@ Family read_family(const std::string& stem, const std::string& dat_stem, Warning
   f.l7 = read_records(stem + ".L7", ".L7", w);
   f.l10 = read_records(stem + ".L10", ".L10", w);
   f.l13 = read_switches(stem + ".L13", w);
+  for (FileRead* file : {&f.l0, &f.l1, &f.l2, &f.l3, &f.nl4, &f.l5, &f.l6, &f.l7, &f.l10, &f.l13})
+    file->read = engine_reads(f, *file);
   const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
     return f.uses(f.l6, r) && f.l6.integer(r, "mode_ctrl") >= kTypeFirstLoadSet;
   });
   f.dat = typed ? read_library(dat_stem + ".DAT", w) : unread(dat_stem + ".DAT", ".DAT");
+  f.dat.read = engine_reads(f, f.dat);
   return f;
 }
 

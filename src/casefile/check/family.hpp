@@ -19,7 +19,7 @@ struct Family {
   // negative one (the engine reads a negative count as none).
   int32_t header(std::string_view field) const;
   // Whether the engine opens the file, by the counts of .L0.
-  bool reads(const FileRead& f) const;
+  bool reads(const FileRead& f) const { return f.read; }
   // Whether the engine takes the record: its file is read and it is kept.
   bool uses(const FileRead& f, const Record& r) const { return reads(f) && f.kept(r); }
   // The buses of the case: the records of .L1 when it is read.

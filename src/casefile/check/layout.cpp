@@ -54,6 +54,8 @@ Layout parse(std::string_view ext, std::string_view text) {
     if (word == "|") {
       l.statements.emplace_back();
     } else if (word.size() == 1) {
+      if (l.statements.back().size() == kMostFields)
+        throw std::logic_error("too many fields in one statement of " + std::string(ext));
       const std::size_t name_end = std::min(text.find(' ', pos), text.size());
       l.statements.back().push_back({text.substr(pos, name_end - pos), word[0]});
       ++l.fields;
@@ -69,7 +71,8 @@ std::size_t Layout::at(std::string_view name) const {
   std::size_t k = 0;
   for (const auto& statement : statements)
     for (const Field& f : statement) {
-      if (f.name == name) return k;
+      // Size and first letter first: most names differ there already.
+      if (f.name.size() == name.size() && f.name[0] == name[0] && f.name == name) return k;
       ++k;
     }
   throw std::logic_error("no field " + std::string(name) + " in " + std::string(ext));

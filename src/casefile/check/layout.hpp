@@ -14,6 +14,9 @@ struct Field {
   char kind;              // 'I' integer, 'R' real, 'T' text
 };
 
+// Fields of one read statement at most.
+constexpr std::size_t kMostFields = 24;
+
 struct Layout {
   std::string_view ext;                        // ".L2"
   std::vector<std::vector<Field>> statements;  // the read statements of one record

@@ -47,36 +47,49 @@ void bus_in_case(const Family& f, const FileRead& file, const Record& r, int32_t
               std::to_string(f.nbus()) + "; the engine stops");
 }
 
-void inverted(const FileRead& file, const Record& r, const char* hi, const char* lo,
-              const std::string& tail, Warnings& w) {
-  const double h = file.real(r, hi), l = file.real(r, lo);
-  if (h < l)
-    w.push_back(where(file, r) + ": " + hi + " " + num(h) + " is below " + lo + " " + num(l) +
+// A pair of limits of a layout: the names and the fields' positions.
+struct Limits {
+  const char *hi, *lo;
+  std::size_t hi_at, lo_at;
+};
+Limits limits(const FileRead& file, const char* hi, const char* lo) {
+  return {hi, lo, file.layout->at(hi), file.layout->at(lo)};
+}
+
+void inverted(const FileRead& file, const Record& r, const Limits& l, const std::string& tail,
+              Warnings& w) {
+  const double h = r.reals[l.hi_at], lo = r.reals[l.lo_at];
+  if (h < lo)
+    w.push_back(where(file, r) + ": " + l.hi + " " + num(h) + " is below " + l.lo + " " + num(lo) +
                 tail);
 }
 
 void branches(const Family& f, const FileRead& file, Warnings& w) {
+  const Layout& l = *file.layout;
+  const std::size_t i_at = l.at("I"), j_at = l.at("J"), r_at = l.at("R"), x_at = l.at("X");
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    const int32_t i = end_bus(file.integer(r, "I")), j = end_bus(file.integer(r, "J"));
+    const int32_t i = end_bus(r.ints[i_at]), j = end_bus(r.ints[j_at]);
     bus_in_case(f, file, r, i, w);
     if (j != i) bus_in_case(f, file, r, j, w);
-    const double R = file.real(r, "R"), X = file.real(r, "X");
-    const std::string branch = "branch " + std::to_string(i) + "-" + std::to_string(j);
+    const double R = r.reals[r_at], X = r.reals[x_at];
+    const auto branch = [&] { return "branch " + std::to_string(i) + "-" + std::to_string(j); };
     if (R == 0 && X == 0)
-      w.push_back(where(file, r) + ": " + branch + " has no impedance (R = X = 0): it carries " +
+      w.push_back(where(file, r) + ": " + branch() + " has no impedance (R = X = 0): it carries " +
                   (i == j ? "nothing" : "no flow, and the decoupled method cannot solve with it"));
     else if (R < 0)
-      w.push_back(where(file, r) + ": " + branch + " has a negative resistance R = " + num(R));
+      w.push_back(where(file, r) + ": " + branch() + " has a negative resistance R = " + num(R));
   }
 }
 
 void rows(const Family& f, const FileRead& file, Warnings& w) {
+  const std::size_t ibs = file.layout->at("ibs");
+  const Limits q = limits(file, "Qmax", "Qmin"), p = limits(file, "Pmax", "Pmin");
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    bus_in_case(f, file, r, file.integer(r, "ibs"), w);
-    inverted(file, r, "Qmax", "Qmin", "", w);
-    inverted(file, r, "Pmax", "Pmin", "", w);
+    bus_in_case(f, file, r, r.ints[ibs], w);
+    inverted(file, r, q, "", w);
+    inverted(file, r, p, "", w);
   }
 }
 
@@ -116,10 +129,11 @@ void check_counts(const Family& f, Warnings& w) {
 }
 
 void check_records(const Family& f, Warnings& w) {
+  const Limits kv = limits(f.l1, "vmax_kv", "vmin_kv");
   for (const Record& r : f.l1.records) {
     if (!f.reads(f.l1)) break;
-    if (f.l1.real(r, "vmax_kv") != 0 && f.l1.real(r, "vmin_kv") != 0)
-      inverted(f.l1, r, "vmax_kv", "vmin_kv", ": the engine takes the case's default limits", w);
+    if (r.reals[kv.hi_at] != 0 && r.reals[kv.lo_at] != 0)
+      inverted(f.l1, r, kv, ": the engine takes the case's default limits", w);
   }
   branches(f, f.l2, w);
   branches(f, f.l3, w);

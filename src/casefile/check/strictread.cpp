@@ -1,6 +1,8 @@
 #include "casefile/check/strictread.hpp"
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 #include "support/freeread.hpp"
 
@@ -30,15 +32,15 @@ std::string shown(const std::string& text) {
 // Reads statement s of a record into r; `first` is the position of its
 // first field.
 bool read_statement(FreeReader& in, const Layout& l, std::size_t s, std::size_t first, Record& r) {
-  std::vector<ReadItem> items;
+  std::array<ReadItem, kMostFields> items;
   std::size_t k = first;
   for (const Field& f : l.statements[s]) {
-    items.push_back(f.kind == 'I'   ? ReadItem::of(r.ints[k])
-                    : f.kind == 'R' ? ReadItem::of(r.reals[k])
-                                    : ReadItem::of(r.texts[k]));
+    items[k - first] = f.kind == 'I'   ? ReadItem::of(r.ints[k])
+                       : f.kind == 'R' ? ReadItem::of(r.reals[k])
+                                       : ReadItem::of(r.texts[k]);
     ++k;
   }
-  return in.read(items);
+  return in.read(std::span<const ReadItem>(items.data(), k - first));
 }
 
 // Reads one record of all its statements.  False at the end: quietly at the
@@ -69,9 +71,14 @@ bool read_record(FreeReader& in, const FileRead& f, Record& r, Warnings& w) {
 }  // namespace
 
 bool FileRead::kept(const Record& r) const {
-  if (layout->ext == ".L13") return integer(r, "valid") > 0;
-  if (layout->ext == ".NL4") return integer(r, "mark") == 1;
-  if (layout->statements[0][0].name == "mark") return integer(r, "mark") > 0;
+  switch (keep) {
+    case Keep::All:
+      return true;
+    case Keep::AboveZero:
+      return r.ints[keep_at] > 0;
+    case Keep::One:
+      return r.ints[keep_at] == 1;
+  }
   return true;
 }
 
@@ -85,6 +92,13 @@ FileRead unread(const std::string& path, std::string_view ext) {
   FileRead f;
   f.name = path;
   f.layout = &layout(ext);
+  if (ext == ".L13") {
+    f.keep = FileRead::Keep::AboveZero, f.keep_at = f.layout->at("valid");
+  } else if (ext == ".NL4") {
+    f.keep = FileRead::Keep::One, f.keep_at = f.layout->at("mark");
+  } else if (f.layout->statements[0][0].name == "mark") {
+    f.keep = FileRead::Keep::AboveZero, f.keep_at = f.layout->at("mark");
+  }
   return f;
 }
 

@@ -28,7 +28,12 @@ struct Record {
 struct FileRead {
   std::string name;  // the file's path as given ("IEEE14.L2")
   const Layout* layout = nullptr;
-  bool present = false;         // the file could be opened
+  bool present = false;  // the file could be opened
+  bool read = false;     // the engine opens it (by the counts of .L0); set by read_family
+  // Which records the engine keeps, by the layout: every one, or those whose
+  // field at keep_at (mark or valid) is above 0, or equal to 1 (.NL4).
+  enum class Keep { All, AboveZero, One } keep = Keep::All;
+  std::size_t keep_at = 0;
   std::vector<Record> records;  // the records the engine's reader takes
   int32_t integer(const Record& r, std::string_view field) const {
     return r.ints[layout->at(field)];
