@@ -11,8 +11,10 @@ namespace lf {
 
 constexpr std::size_t kCapAreaNo = 200;  // area numbers 1..200
 
+// Written by adjare after each converged run; read by adjare and the area
+// report (.LP7).
 struct AREARec {
-  Arr<double> PACT{kCapAreaNo};  // actual interchange by area number, per unit
+  Arr<double> PACT{kCapAreaNo};  // actual export by area number (1-based), per unit on base_mva
 };
 
 extern AREARec AREA;
