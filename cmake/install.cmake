@@ -21,6 +21,10 @@ set_target_properties(lfengine lfcli ${LF_PROGRAMS} PROPERTIES
 install(TARGETS lfengine EXPORT lfengineTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# The progress window's module, which the engine loads from beside itself.
+if(TARGET lfwindow)
+  install(TARGETS lfwindow LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(TARGETS lfcli EXPORT lfengineTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lfcli)

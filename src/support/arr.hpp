@@ -23,7 +23,7 @@ namespace lf {
 // small ones come from calloc.  The arrays below keep the spare room behind
 // their last element zero.
 namespace detail {
-constexpr std::size_t kMapFrom = std::size_t{1} << 16;  // bytes from which a block is mapped
+constexpr std::size_t kMapFrom = std::size_t{1} << 14;  // bytes from which a block is mapped
 void* zeroed_block(std::size_t bytes);
 void free_block(void* p, std::size_t bytes);
 }  // namespace detail

@@ -62,9 +62,9 @@ class ToolkitBackend {
   virtual void window_close() = 0;
 };
 
-// The on-screen window when the build has a window library and a display
-// can be opened, else nullptr.  WInitialise takes it in place of the
-// built-in headless screen.
+// The on-screen window when the build has a window library, its module can
+// be loaded and a display can be opened, else nullptr.  WInitialise takes it
+// in place of the built-in headless screen.
 ToolkitBackend* real_window_backend();
 
 // Chooses the backend; nullptr goes back to the built-in headless screen.

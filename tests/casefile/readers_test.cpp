@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "casefiles.hpp"
+#include "common/golden.hpp"
+#include "common/storedump.hpp"
 #include "io/errlist.hpp"
 
 namespace lf {
@@ -11,7 +13,6 @@ namespace {
 
 using test::CaseFiles;
 using test::printed;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ExitedWithCode;
 using ::testing::IsEmpty;
@@ -23,77 +24,74 @@ class Readers : public CaseFiles {
   void write_case() { test::copy_folder("tests/data/casefile/readers", dir_.path()); }
 };
 
-TEST_F(Readers, ReadsAWholeCaseWithItsQuirks) {
+// Each case read, with the lines printed and the store it leaves, stands in
+// tests/data/golden/casefile/readers.txt:
+// - the whole case: limits in kV turn per unit; no base voltage, limits the
+//   wrong way round or a zero limit give the defaults.  The mark 0 line
+//   takes no slot; transformers follow the lines, their negative ends lose
+//   the sign and their B is 0.  Extended codes fold without user-defined
+//   models; two loads share bus 3.  ctrl_fact 0: the factor file is not read
+//   and nothing is scaled.  Group 3 of the switches ends with its zero
+//   record; "0" is a group read that starts over, then group 2 follows.
+//   Constant power as the only parameter set: no library is needed;
+// - with user-defined models: the extended codes stay; ctrl_sub 0: .L13 is
+//   not read and the count stands;
+// - the optional files missing;
+// - a library whose first set takes the default's place, behind skipped
+//   sections, then one with a set that cannot be read: the sets read so far
+//   stay;
+// - truncated and garbled files keep the records so far: area 1.5 is no
+//   integer; a slash ends a record early, which counts with the fields it has.
+TEST_F(Readers, CasesAsTheStoreHoldsThem) {
+  std::string text;
+  const auto read = [&](const std::string& what) {
+    printed.clear();
+    rdlf(name(), lib());
+    text += "== " + what + "\n";
+    for (std::string l : printed) {
+      if (const auto at = l.find(dir_.path().string()); at != std::string::npos)
+        l.replace(at, dir_.path().string().size(), "<dir>");
+      text += l + "\n";
+    }
+    text += test::store_dump();
+  };
   write_case();
-  rdlf(name(), lib());
-  EXPECT_THAT(printed, IsEmpty());
-
-  EXPECT_EQ(LFINF.nbus, 4);
-  // Limits in kV turn per unit; no base voltage, limits the wrong way round
-  // or a zero limit give the defaults.
-  EXPECT_DOUBLE_EQ(LL1.busvmax[1], 1.1);  // 242 / 220
-  EXPECT_DOUBLE_EQ(LL1.busvmin[1], 0.9);
-  for (int32_t b = 2; b <= 4; ++b) {
-    EXPECT_DOUBLE_EQ(LL1.busvmax[b], 1.1) << b;
-    EXPECT_DOUBLE_EQ(LL1.busvmin[b], 0.9) << b;
-  }
-
-  // The mark 0 line takes no slot; transformers follow the lines, their
-  // negative ends lose the sign and their B is 0.
-  ASSERT_EQ(LFINF.nacline, 3);
-  ASSERT_EQ(LFINF.ntrans, 2);
-  EXPECT_EQ(NO.nbranch, 5);
-  EXPECT_THAT((std::vector<int>{IJB.No[1], IJB.No[2], IJB.No[3], IJB.No[4], IJB.No[5]}),
-              ElementsAre(11, 12, 13, 21, 22));
-  EXPECT_EQ(IJOPEN.mark[2], 3);
-  EXPECT_EQ(IJB.I[4], 3);
-  EXPECT_EQ(IJB.J[5], 4);
-  EXPECT_EQ(RXB.B[5], 0.0);
-
-  // Extended codes fold without user-defined models.
-  ASSERT_EQ(LFINF.ngenerat, 2);
-  EXPECT_EQ(L5.mode_ctrl[2], kTypePV);
-  ASSERT_EQ(LFINF.nload, 2);
-  EXPECT_EQ(L6.mode_ctrl[2], kTypePQ);
-  EXPECT_EQ(LF93.loadshare, 1);  // two loads on bus 3
-
-  // ctrl_fact 0: the factor file is not read and nothing is scaled.
-  EXPECT_EQ(LF93.ctrl_fact, 0);
-  EXPECT_EQ(L6.P[1], 0.4);
-
-  // Group 3 ends with its zero record; "0" is a group read that starts
-  // over, then group 2 follows.
-  ASSERT_EQ(LF93.nswitch, 2);
-  EXPECT_EQ(L13.group[1], 3);
-  EXPECT_EQ(L13.group[2], 2);
-
-  // Constant power as the only parameter set: no library is needed.
-  EXPECT_EQ(LFINF.nloadpar, 1);
-  EXPECT_EQ(ABCLC.cp[1], 1.0);
-  EXPECT_EQ(ABCLC.cq[1], 1.0);
-}
-
-TEST_F(Readers, UserDefinedModelsKeepTheExtendedCodes) {
-  write_case();
+  read("whole case");
   write(".L0", "4 3 2 0 2 3 1 0 0 3 0\n100.0 1.1 0.9 1e-6 1 30 0 1 0 0\n");
-  rdlf(name(), lib());
-  EXPECT_EQ(L5.mode_ctrl[2], kTypeModel6);
-  EXPECT_EQ(L6.mode_ctrl[2], kTypeModel7);
-  EXPECT_EQ(LF93.nswitch, 3);  // ctrl_sub 0: .L13 not read, the count stands
-}
+  read("user-defined models");
 
-TEST_F(Readers, OptionalFilesMayBeMissing) {
   write_case();
-  for (const char* ext : {".L3", ".L6", ".L7", ".L13"})
+  for (const char* ext : {".L3", ".L6", ".L7", ".L10", ".L13"})
     std::filesystem::remove(dir_ / (std::string("CASE") + ext));
   write(".L0", "4 3 2 0 2 3 1 0 0 3 1\n100.0 1.1 0.9 1e-6 1 30 0 0 0 1\n");
-  std::filesystem::remove(dir_ / "CASE.L10");
-  rdlf(name(), lib());
-  EXPECT_THAT(printed, IsEmpty());
-  EXPECT_THAT((std::vector<int>{LFINF.ntrans, LFINF.nload, LF93.loadshare, LFINF.narea,
-                                LF93.ctrl_fact, LF93.nswitch}),
-              Each(0));
-  EXPECT_EQ(NO.nbranch, 3);
+  read("optional files missing");
+
+  write_case();
+  write(".L6", "1 3 31 2 0.4 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
+  write_lib(
+      "2 0 1 0 0 0 0 0 2 0\n"
+      "skipped one\n"
+      "skipped 'two'\n"
+      "skipped three\n"
+      "0.1 0.2 0.7 9 9 0.3 0.3 0.4 9 9\n"
+      "0.5 0.0 0.5 9 9 1.0 0.0 0.0 9 9\n");
+  read("library");
+  write_lib(
+      "0 0 0 0 0 0 0 0 3 0\n"
+      "0.1 0.2 0.7 9 9 0.3 0.3 0.4 9 9\n"
+      "0.5 0.0 'x' 9 9 1.0 0.0 0.0 9 9\n");
+  read("library with a set that cannot be read");
+
+  write_case();
+  write(
+      ".L1",
+      "'BUS1' 220.0 1 242.0 198.0\n'BUS2' 110.0 1 121.0 99.0\n'BUS3' 1 1 1 1\n'BUS4' 1 1.5 1 1\n");
+  write(".L2", "1 1 2 11 0.01 0.1 0.02 0 0 0 0 0 0.0\n1 2 3 12 0.02 0.2");
+  write(".L3", "\x01\x02garbage\n");
+  write(".L5", "1 1 0 0.0 0.0 1.05 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n1 2 -1 0.5 ,,,/\n");
+  write(".L6", "");
+  read("truncated and garbled files");
+  test::expect_golden(text, "casefile/readers.txt");
 }
 
 TEST_F(Readers, DcLinesKeepOnlyMarkOneAndAMissingFileGoesOnTheErrorList) {
@@ -107,16 +105,8 @@ TEST_F(Readers, DcLinesKeepOnlyMarkOneAndAMissingFileGoesOnTheErrorList) {
   EXPECT_EQ(LFINF.ndcline, 0);
   EXPECT_THAT(printed, IsEmpty());
 
-  const std::string body =
-      " 3 4 7 1\n"
-      "1.0 2.0 3.0 4.0 5.0 6.0 7.0 8.0 9.0 10.0\n"
-      "500.0\n"
-      "230.0 200.0 2 600.0 0.1 15.0 250.0 210.0 3\n"
-      "231.0 201.0 2 601.0 0.2 16.0 251.0 211.0 4\n"
-      "1 10.0 20.0\n"
-      "300.0 500.0 5.0 15.0 17.0 18.0\n"
-      "301.0 501.0 6.0 16.0 19.0 20.0\n";
-  write(".NL4", "2" + body + "1" + body);
+  // Two DC lines, the first of mark 2.
+  write(".NL4", test::read_file(LF_TEST_DATA_DIR "/casefile/dcline.NL4"));
   rdlf(name(), lib());
   ASSERT_EQ(LFINF.ndcline, 1);
   EXPECT_EQ(NO.ndc, 1);
@@ -138,37 +128,12 @@ TEST_F(Readers, MandatoryFilesStopTheRun) {
 }
 
 // A load that names parameter set 2 needs the library.
-TEST_F(Readers, LibrarySetsFollowTheSkippedSections) {
+TEST_F(Readers, LoadSetWithoutTheLibraryStopsTheRun) {
   test::echo_printed = true;
   write_case();
   write(".L6", "1 3 31 2 0.4 0.2 1.0 0.0 0.0 0.0 0.0 0.0 0 0 0 0.0\n");
   EXPECT_EXIT(rdlf(name(), lib()), ExitedWithCode(1),
               "File .*LIB\\.DAT Not Exist !\n\\*\\.dat file not found!");
-  write_lib(
-      "2 0 1 0 0 0 0 0 2 0\n"
-      "skipped one\n"
-      "skipped 'two'\n"
-      "skipped three\n"
-      "0.1 0.2 0.7 9 9 0.3 0.3 0.4 9 9\n"
-      "0.5 0.0 0.5 9 9 1.0 0.0 0.0 9 9\n");
-  rdlf(name(), lib());
-  EXPECT_THAT(printed, IsEmpty());
-  EXPECT_EQ(LFINF.nloadpar, 2);
-  EXPECT_EQ(ABCLC.ap[1], 0.1);  // the first set takes the default's place
-  EXPECT_EQ(ABCLC.cq[1], 0.4);
-  EXPECT_EQ(ABCLC.ap[2], 0.5);
-  EXPECT_EQ(ABCLC.aq[2], 1.0);
-
-  // A set that cannot be read: a message, the sets read so far stay.
-  write_lib(
-      "0 0 0 0 0 0 0 0 3 0\n"
-      "0.1 0.2 0.7 9 9 0.3 0.3 0.4 9 9\n"
-      "0.5 0.0 'x' 9 9 1.0 0.0 0.0 9 9\n");
-  printed.clear();
-  rdlf(name(), lib());
-  EXPECT_THAT(printed, ElementsAre("Read " + (dir_ / "LIB") + ".DAT File Error!"));
-  EXPECT_EQ(LFINF.nloadpar, 1);
-  EXPECT_EQ(ABCLC.cq[1], 0.4);
 }
 
 TEST_F(Readers, UnreadableSwitchRecordKeepsWhatWasRead) {
@@ -189,26 +154,6 @@ TEST_F(Readers, UnreadableSwitchRecordKeepsWhatWasRead) {
   rl13(stem());
   EXPECT_THAT(printed, IsEmpty());
   EXPECT_EQ(LF93.nswitch, 1);
-}
-
-TEST_F(Readers, TruncatedAndGarbledFilesKeepTheRecordsSoFar) {
-  write_case();
-  write(
-      ".L1",
-      "'BUS1' 220.0 1 242.0 198.0\n'BUS2' 110.0 1 121.0 99.0\n'BUS3' 1 1 1 1\n'BUS4' 1 1.5 1 1\n");
-  write(".L2", "1 1 2 11 0.01 0.1 0.02 0 0 0 0 0 0.0\n1 2 3 12 0.02 0.2");
-  write(".L3", "\x01\x02garbage\n");
-  write(".L5", "1 1 0 0.0 0.0 1.05 0.0 9.0 -9.0 9.0 0.0 0 0 0 0.0\n1 2 -1 0.5 ,,,/\n");
-  write(".L6", "");
-  rdlf(name(), lib());
-  EXPECT_EQ(LFINF.nbus, 3);  // area 1.5 is no integer
-  EXPECT_EQ(LFINF.nacline, 1);
-  EXPECT_EQ(LFINF.ntrans, 0);
-  // A slash ends a record early: it counts, with the fields it has.
-  EXPECT_EQ(LFINF.ngenerat, 2);
-  EXPECT_EQ(L5.P[2], 0.5);
-  EXPECT_EQ(LFINF.nload, 0);
-  EXPECT_EQ(NO.nbranch, 1);
 }
 
 TEST_F(Readers, RecordsGrowPastTheirStartingCapacity) {

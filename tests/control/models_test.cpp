@@ -28,12 +28,13 @@ int count_of(const std::string& text, char c) {
   return static_cast<int>(std::count(text.begin(), text.end(), c));
 }
 
-// The library tests/data/control/LIB.DLF has a section that is skipped by
-// lines (model 6002, groups of ten values over two lines each) and model
-// 6001: a CIRC, then a CONS that reads the CIRC's third parameter (the step
-// after block 41 is 2), then nine named blocks of which eight are recorded.
+// The library tests/data/control/library/LIB.DLF has a section that is
+// skipped by lines (model 6002, groups of ten values over two lines each) and
+// model 6001: a CIRC, then a CONS that reads the CIRC's third parameter (the
+// step after block 41 is 2), then nine named blocks of which eight are
+// recorded.
 TEST(Models, InputAndArrangement) {
-  copy_folder("tests/data/control", ".");
+  copy_folder("tests/data/control/library", ".");
   // A row of mark 0 leaves no gap; group 0 is group 1; a line comes first
   // in the location list; 6009 is in neither library.
   write_file("CASE.L9",
@@ -116,26 +117,11 @@ TEST(Models, OutputsActOnTheNetwork) {
   EXPECT_EQ(LFUDOT.UDCHG, 1);
 }
 
-// A whole calculation with recording: six instances record 41 values, all
-// write interface variable 1 at bus 2, and one changes the ratio of line 7.
+// A whole calculation with recording (tests/data/control/recording): six
+// instances record 41 values, all write interface variable 1 at bus 2, and
+// one changes the ratio of line 7.
 TEST(Models, RecordingFilesOfACalculation) {
-  write_file("CASE.L0", "2 1 0 0 1 1 0 6 0 0 0\n100 1.1 0.9 1e-8 1 50 0 1 0 0\n");
-  write_file("CASE.L1", "'A' 100 1 110 90\n'B' 100 1 110 90\n");
-  write_file("CASE.L2", "1 1 2 7 0.01 0.1 0 0 0 0 0 0 0\n");
-  write_file("CASE.L5", "1 1 0 0 0 1 0 9 -9 9 -9 0 0 0 0\n");
-  write_file("CASE.L6", "1 2 1 1 0.5 0.2 1 0 0 0 0 0 0 0 0 0\n");
-  std::string rows;
-  for (int k = 0; k < 5; ++k) rows += "1 3 1 2 0 0 0 0 0 0 0 0 0 0\n";
-  rows += "1 4 1 2 0 0 0 0 0 7 0 0 0 0\n";
-  write_file("CASE.L9", rows);
-  std::string lib = "6003 8 1 1\n";
-  for (int b = 1; b <= 8; ++b)
-    lib += std::to_string(b) + " " + std::to_string(b) + " 0 8 0 0 0 0 201 0 'V" +
-           std::to_string(b) + "' 0 0 0 1 0 0 0 0 0 0 1\n";
-  lib += "0.5\n6004 1 1 1\n1 1 0 8 0 0 0 0 19 0 'R' 0 0 0 1 0 0 0 0 0 0 1\n1.0\n";
-  write_file("UDLIB.DLF", lib);
-  std::filesystem::remove("NAME.INC");
-  write_file("NAME.INC", "1\nCASE\n\nDATALIB\n\n\n\n\nUDLIB\n");
+  copy_folder("tests/data/control/recording", ".");
   prnon = 0;
   int32_t convergent = 0;
   newlf(convergent);

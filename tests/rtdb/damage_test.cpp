@@ -15,6 +15,7 @@
 #include "common/files.hpp"
 #include "rtdb/rtdb.hpp"
 #include "store/store.hpp"
+#include "testdb.hpp"
 
 namespace lf::test {
 namespace {
@@ -62,28 +63,11 @@ int exec(sqlite3* db, const std::string& sql) {
 
 // Every row of every table, as text.
 std::string dump(const fs::path& file) {
-  sqlite3* db = nullptr;
-  sqlite3_open(file.c_str(), &db);
-  std::string out;
-  auto row = [](void* o, int n, char** v, char**) {
-    std::string& s = *static_cast<std::string*>(o);
-    for (int k = 0; k < n; ++k) s += std::string(v[k] ? v[k] : "NULL") + ',';
-    s += '\n';
-    return 0;
-  };
-  std::string tables;
-  sqlite3_exec(
-      db,
-      "SELECT group_concat('SELECT * FROM \"' || name || '\";', '') FROM sqlite_master "
-      "WHERE type = 'table'",
-      [](void* o, int, char** v, char**) {
-        *static_cast<std::string*>(o) = v[0] ? v[0] : "";
-        return 0;
-      },
-      &tables, nullptr);
-  sqlite3_exec(db, tables.c_str(), row, &out, nullptr);
-  sqlite3_close(db);
-  return out;
+  std::string tables = query_text(file,
+                                  "SELECT group_concat('SELECT * FROM \"' || name || '\";', '') "
+                                  "FROM sqlite_master WHERE type = 'table'");
+  if (tables.size() >= 2) tables.resize(tables.size() - 2);  // the field's comma and line end
+  return query_text(file, tables);
 }
 
 // Runs a command: its exit status, with standard output and error in out.

@@ -12,6 +12,25 @@
 
 namespace lf::test {
 
+// The rows of a query on the database file, one line each, fields ended by
+// a comma (NULL for none).
+inline std::string query_text(const std::filesystem::path& file, const std::string& query) {
+  sqlite3* db = nullptr;
+  sqlite3_open(file.c_str(), &db);
+  std::string out;
+  sqlite3_exec(
+      db, query.c_str(),
+      [](void* o, int n, char** v, char**) {
+        std::string& s = *static_cast<std::string*>(o);
+        for (int k = 0; k < n; ++k) s += std::string(v[k] ? v[k] : "NULL") + ',';
+        s += '\n';
+        return 0;
+      },
+      &out, nullptr);
+  sqlite3_close(db);
+  return out;
+}
+
 inline std::string schema_text() {
   return read_file(std::filesystem::path(LF_TEST_DATA_DIR) / "../../src/rtdb/schema.sql");
 }

@@ -252,7 +252,12 @@ void FltkScreen::window_close() {
   Fl::check();
 }
 
-ToolkitBackend* real_window_backend() {
+}  // namespace lf
+
+// The module's entry point: the real window, or null when no display can be
+// opened (the headless screen serves then).
+extern "C" lf::ToolkitBackend* lf_window_backend() {
+  using lf::FltkScreen;
   // A real window needs a display to open; without one the headless
   // screen serves.
   // The connection stays open for the window: an X server resets when its
@@ -261,5 +266,3 @@ ToolkitBackend* real_window_backend() {
   if (!screen.display_) screen.display_ = XOpenDisplay(nullptr);
   return screen.display_ ? &screen : nullptr;
 }
-
-}  // namespace lf

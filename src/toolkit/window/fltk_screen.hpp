@@ -14,6 +14,8 @@
 #include "toolkit/toolkit.hpp"
 
 struct _XDisplay;
+// The entry point of the window module (see toolkit/window/window_module.cpp).
+extern "C" lf::ToolkitBackend* lf_window_backend();
 
 namespace lf {
 
@@ -60,7 +62,7 @@ class FltkScreen : public ToolkitBackend {
 
  private:
   friend class PageWindow;
-  friend ToolkitBackend* real_window_backend();
+  friend ToolkitBackend* ::lf_window_backend();
   _XDisplay* display_ = nullptr;  // the connection to the X server, opened once
   PageWindow* window_ = nullptr;  // the main window, made once and kept
   LogDialog* dialog_ = nullptr;   // the loaded dialog, null when none
