@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "casefile/checks.hpp"
 #include "casefile/indexcheck.hpp"
+#include "casefile/sequence.hpp"
 #include "io/channels.hpp"
 #include "io/errlist.hpp"
 #include "support/freeread.hpp"
@@ -309,27 +311,35 @@ void rpalib(const std::string& path) {
   }
 }
 
+namespace {
+
+// The case files of one stem, each part read by its own reader.
+class CaseFiles final : public CaseSource {
+ public:
+  CaseFiles(std::string path, std::string datalib)
+      : path_(std::move(path)), datalib_(std::move(datalib)) {}
+  void control() override { rl0(path_); }
+  void buses() override { rl1(path_); }
+  void branches() override { rl23(path_); }
+  void dc_lines() override { nrl4(path_); }
+  void generators() override { rl5(path_); }
+  void loads() override { rl6(path_); }
+  void areas() override { rl7(path_); }
+  void factors() override { rl10(path_); }
+  void switches() override { rl13(path_); }
+  void load_library() override { rpalib(datalib_); }
+  std::string load_origin() const override { return path_ + ".L6"; }
+
+ private:
+  std::string path_;     // the case stem without trailing blanks
+  std::string datalib_;  // the .DAT library's stem, likewise
+};
+
+}  // namespace
+
 void rdlf(const CaseName& casename, const CaseName& datalibname) {
-  const std::string path = casename.trimmed();
-  rl0(path);
-  clamp_counts();
-  if (LFINF.nbus > 0) rl1(path);
-  if (LFINF.nacline + LFINF.ntrans > 0) rl23(path);
-  if (LFINF.ndcline > 0) nrl4(path);
-  if (LFINF.ngenerat > 0) rl5(path);
-  if (LFINF.nload > 0) rl6(path);
-  if (LFINF.narea > 0) rl7(path);
-  if (LF93.ctrl_fact > 0) {
-    rl10(path);
-    if (LF93.ctrl_fact > 0) chpq();
-  }
-  if (LF93.ctrl_sub > 0) rl13(path);
-  int32_t flag = 0;
-  if (LFINF.nload > 0) isrlib(flag);
-  if (flag > 0) rpalib(datalibname.trimmed());
-  if (LFINF.nload > 0) check_load_types(path + ".L6");
-  NO.nbranch = LFINF.nacline + LFINF.ntrans;
-  NO.ndc = LFINF.ndcline;
+  CaseFiles files(casename.trimmed(), datalibname.trimmed());
+  read_case(files);
 }
 
 }  // namespace lf

@@ -9,13 +9,17 @@
 #include "control/blocks.hpp"
 #include "control/udblock.hpp"
 #include "io/errlist.hpp"
+#include "support/tolerances.hpp"
 
 namespace lf::blk {
 
-constexpr double EPS = 1.0E-20;   // guard on divisors
-constexpr double TINY = 1.0E-21;  // guard on magnitudes
-constexpr double ZTOL = 1.0E-11;  // test of an input for zero
-constexpr double TTOL = 1.0E-6;   // timer tolerance
+// The divisor guard of the blocks is the engine's kTinyDivisor.  The blocks
+// that divide by an input or by their own output (DIVD, MAGN, SQR1, SQRT,
+// ANGL) test it against a tenth of that, on purpose.
+constexpr double kTinyOutput = 1.0E-21;
+constexpr double kZeroInput = 1.0E-11;       // an input nearer 0 than this is 0
+constexpr double kTimerTolerance = 1.0E-6;   // seconds by which a timer may reach its time early
+constexpr double kPulseTolerance = 1.0E-10;  // an input this near 1 is a pulse (CNT)
 
 // X and DX of a block: the sums of its two inputs.
 inline double X(int32_t b) {
@@ -29,18 +33,18 @@ inline double P(int32_t ipar, int32_t k) {
   return NUPA[ipar + k - 1];
 }
 
-// A divisor below EPS in size becomes EPS with its sign (0 counting as
-// positive), and the warning goes to the error list.
+// A divisor below kTinyDivisor in size becomes kTinyDivisor with its sign
+// (0 counting as positive), and the warning goes to the error list.
 inline double guard_signed(double d, std::string_view warning) {
-  if (std::fabs(d) >= EPS) return d;
+  if (std::fabs(d) >= kTinyDivisor) return d;
   errlist_write(warning);
-  return d >= 0 ? EPS : -EPS;
+  return d >= 0 ? kTinyDivisor : -kTinyDivisor;
 }
-// The same for a difference that becomes plain EPS.
+// The same for a difference that becomes plain kTinyDivisor.
 inline double guard(double d, std::string_view warning) {
-  if (std::fabs(d) >= EPS) return d;
+  if (std::fabs(d) >= kTinyDivisor) return d;
   errlist_write(warning);
-  return EPS;
+  return kTinyDivisor;
 }
 
 // The hold rule of the comparing blocks: in a predictor step of the

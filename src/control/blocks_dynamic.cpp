@@ -35,7 +35,7 @@ void bl1(int32_t mode, int32_t ipar, int32_t iblk) {
   } else {
     dy = 0;
     // Without a feedback term the block integrates from pass to pass.
-    y = std::fabs(c) >= EPS ? (a * x * e) / c : (a * e * x) / d + UDXY.Y[iblk];
+    y = std::fabs(c) >= kTinyDivisor ? (a * x * e) / c : (a * e * x) / d + UDXY.Y[iblk];
   }
   blsub(mode, clamp(y, P(ipar, 6), P(ipar, 7)), dy, iblk);
 }

@@ -12,17 +12,30 @@ using namespace blk;
 namespace {
 
 // A phasor packed into one real: the integer part is the magnitude times
-// 100000, the fraction the angle in radians divided by 10.
+// kPackScale, the fraction the angle in radians times kAnglePack.  Both
+// directions multiply, by the decimals below, so that the values round as
+// designed.
+constexpr double kPackScale = 100000;
+constexpr double kPackUnscale = 1.0E-5;
+constexpr double kAnglePack = 0.1;
+constexpr double kAngleUnpack = 10;
+// Pi and twice pi to the lengths that the angle routines were written with;
+// each keeps its own length on purpose.
+constexpr double kPiDger = 3.1415926535;
+constexpr double kTwoPiDger = 6.283185307;
+constexpr double kPiAngl = 3.14159265;
+constexpr double kHalfPiAngl = 1.570796327;
+
 double pack(double re, double im) {
-  const double m = std::trunc(std::sqrt(re * re + im * im) * 100000 + 0.5);
+  const double m = std::trunc(std::sqrt(re * re + im * im) * kPackScale + 0.5);
   double a = 0;
   dger(re, im, a);
-  return 0.1 * a + m;
+  return kAnglePack * a + m;
 }
 void unpack(double v, double& re, double& im) {
   const double n = std::trunc(v);
-  const double angle = (v - n) * 10;
-  const double mag = static_cast<float>(1.0E-5 * n);
+  const double angle = (v - n) * kAngleUnpack;
+  const double mag = static_cast<float>(kPackUnscale * n);
   re = mag * std::cos(angle);
   im = mag * std::sin(angle);
 }
@@ -30,12 +43,12 @@ void unpack(double v, double& re, double& im) {
 }  // namespace
 
 void dger(double x, double y, double& ang) {
-  if (std::fabs(x) >= ZTOL) {
+  if (std::fabs(x) >= kZeroInput) {
     const double a = std::atan(y / x);
     if (x <= 0) {
-      ang = a + 3.1415926535;
+      ang = a + kPiDger;
     } else if (y < 0) {
-      ang = a + 6.283185307;
+      ang = a + kTwoPiDger;
     } else {
       ang = a;
     }
@@ -84,14 +97,14 @@ void bl46(int32_t mode, int32_t, int32_t iblk) {
 void bl48(int32_t mode, int32_t, int32_t iblk) {
   const double x1 = UDXY.X1[iblk], x2 = UDXY.X2[iblk];
   double a;
-  if (std::fabs(x1) > TINY) {
+  if (std::fabs(x1) > kTinyOutput) {
     a = std::atan(x2 / x1);
     if (x1 < 0) {
-      if (x2 > 0) a = a + 3.14159265;
-      if (x2 < 0) a = a - 3.14159265;
+      if (x2 > 0) a = a + kPiAngl;
+      if (x2 < 0) a = a - kPiAngl;
     }
   } else {
-    a = x2 > 0 ? 1.570796327 : x2 == 0 ? 0.0 : -1.570796327;
+    a = x2 > 0 ? kHalfPiAngl : x2 == 0 ? 0.0 : -kHalfPiAngl;
   }
   blsub(mode, a, 0, iblk);
 }

@@ -104,7 +104,7 @@ void bl42(int32_t mode, int32_t, int32_t iblk) {
 // DEAD: 0 within B of A, the distance beyond the band outside.  At exactly
 // the band's edge neither side applies and the last value stands.
 void bl44(int32_t mode, int32_t ipar, int32_t iblk) {
-  static double y = 0;
+  double& y = UDKEEP.dead_y;
   if (held_in_predictor(mode, iblk)) return;
   const double a = P(ipar, 1), b = P(ipar, 2), x = X(iblk);
   double dy = DX(iblk);

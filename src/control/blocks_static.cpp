@@ -39,7 +39,7 @@ void bl8(int32_t mode, int32_t ipar, int32_t iblk) {
 // DIVD: Y = X1 / X2, 0 for a vanishing X2.
 void bl9(int32_t mode, int32_t, int32_t iblk) {
   const double x1 = UDXY.X1[iblk], x2 = UDXY.X2[iblk];
-  if (std::fabs(x2) < TINY) return blsub(mode, 0, 0, iblk);
+  if (std::fabs(x2) < kTinyOutput) return blsub(mode, 0, 0, iblk);
   blsub(mode, x1 / x2, ((x2 * UDXY.DX1[iblk] - UDXY.DX2[iblk] * x1) / x2) / x2, iblk);
 }
 
@@ -59,7 +59,7 @@ void bl11(int32_t mode, int32_t ipar, int32_t iblk) {
 // working values persist between calls, so a case that no branch covers
 // hands on the last value.
 void bl14(int32_t mode, int32_t ipar, int32_t iblk) {
-  static double y = 0, dy = 0;
+  double &y = UDKEEP.ramp_y, &dy = UDKEEP.ramp_dy;
   const double a = P(ipar, 1), b = P(ipar, 2), f = P(ipar, 3), g = P(ipar, 4), x = X(iblk);
   const double d = guard(b - a, "  Warning: Block RAMP Para. A=B ");
   if (x <= a) {
@@ -108,7 +108,7 @@ void bl19(int32_t mode, int32_t, int32_t iblk) {
 void bl20(int32_t mode, int32_t, int32_t iblk) {
   const double x = std::clamp(X(iblk), -1.0, 1.0);
   double r = std::sqrt(1 - x * x);
-  if (std::fabs(r) < EPS) r = EPS;
+  if (std::fabs(r) < kTinyDivisor) r = kTinyDivisor;
   blsub(mode, std::acos(x), -DX(iblk) / r, iblk);
 }
 
@@ -116,16 +116,16 @@ void bl20(int32_t mode, int32_t, int32_t iblk) {
 void bl22(int32_t mode, int32_t, int32_t iblk) {
   const double x1 = UDXY.X1[iblk], x2 = UDXY.X2[iblk];
   const double y = std::sqrt(x2 * x2 + x1 * x1);
-  blsub(mode, y, y >= TINY ? (x2 * UDXY.DX2[iblk] + x1 * UDXY.DX1[iblk]) / y : 0.0, iblk);
+  blsub(mode, y, y >= kTinyOutput ? (x2 * UDXY.DX2[iblk] + x1 * UDXY.DX1[iblk]) / y : 0.0, iblk);
 }
 
 // SQR1: Y = sqrt(1 - X1 X1), of the first input only.
 void bl28(int32_t mode, int32_t, int32_t iblk) {
   const double x1 = UDXY.X1[iblk];
   double v = 1 - x1 * x1;
-  if (v < TINY) v = 0;
+  if (v < kTinyOutput) v = 0;
   const double y = std::sqrt(v);
-  blsub(mode, y, y >= TINY ? -(x1 * UDXY.DX1[iblk]) / y : 0.0, iblk);
+  blsub(mode, y, y >= kTinyOutput ? -(x1 * UDXY.DX1[iblk]) / y : 0.0, iblk);
 }
 
 // SQUA: Y = X X.
@@ -136,7 +136,7 @@ void bl29(int32_t mode, int32_t, int32_t iblk) {
 
 // LINE: from (A, C) to (B, D), 0 outside.
 void bl30(int32_t mode, int32_t ipar, int32_t iblk) {
-  static double y = 0, dy = 0;
+  double &y = UDKEEP.line_y, &dy = UDKEEP.line_dy;
   const double a = P(ipar, 1), b = P(ipar, 2), c = P(ipar, 3), d = P(ipar, 4), x = X(iblk);
   const double w = guard(b - a, "  Warning: Block LINE Para. A=B ");
   if (x < a || x > b) {
@@ -151,7 +151,7 @@ void bl30(int32_t mode, int32_t ipar, int32_t iblk) {
 // ML: three segments through (0, 0), (A, D), (B, E), (C, F), flat behind C.
 // At a break point the later segment decides.
 void bl31(int32_t mode, int32_t ipar, int32_t iblk) {
-  static double y = 0, dy = 0;
+  double &y = UDKEEP.ml_y, &dy = UDKEEP.ml_dy;
   const double a = P(ipar, 1), b = P(ipar, 2), c = P(ipar, 3);
   const double d = P(ipar, 4), e = P(ipar, 5), f = P(ipar, 6);
   const double da = guard(a, "  Warning: Block ML Para. A=0 ");
@@ -172,7 +172,7 @@ void bl31(int32_t mode, int32_t ipar, int32_t iblk) {
 // FEX: the loading function of a rectifier, of the first input.  The middle
 // segment's derivative lacks the factor DX1 on purpose.
 void bl33(int32_t mode, int32_t ipar, int32_t iblk) {
-  static double y = 0, dy = 0;
+  double &y = UDKEEP.fex_y, &dy = UDKEEP.fex_dy;
   const double a = P(ipar, 1), b = P(ipar, 2), c = P(ipar, 3), d = P(ipar, 4), e = P(ipar, 5);
   const double x = UDXY.X1[iblk];
   if (x <= a) y = 1 - x * c, dy = -(UDXY.DX1[iblk] * c);
@@ -189,7 +189,7 @@ void bl33(int32_t mode, int32_t ipar, int32_t iblk) {
 void bl45(int32_t mode, int32_t, int32_t iblk) {
   const double x = X(iblk);
   double w = 1 - x * x;
-  if (std::fabs(w) < EPS) w = EPS;
+  if (std::fabs(w) < kTinyDivisor) w = kTinyDivisor;
   blsub(mode, std::atan(x), DX(iblk) / w, iblk);
 }
 
@@ -197,7 +197,8 @@ void bl45(int32_t mode, int32_t, int32_t iblk) {
 void bl50(int32_t mode, int32_t ipar, int32_t iblk) {
   const double a = P(ipar, 1), b = P(ipar, 2);
   const double y = std::sqrt(b * UDXY.X2[iblk] + a * UDXY.X1[iblk]);
-  blsub(mode, y, y >= TINY ? ((b * UDXY.DX2[iblk] + a * UDXY.DX1[iblk]) * 0.5) / y : 0.0, iblk);
+  blsub(mode, y, y >= kTinyOutput ? ((b * UDXY.DX2[iblk] + a * UDXY.DX1[iblk]) * 0.5) / y : 0.0,
+        iblk);
 }
 
 }  // namespace lf

@@ -18,7 +18,7 @@ void start_step(int32_t ist) {
 }
 // An input that counts as off: zero or negative.
 bool off(double x) {
-  return std::fabs(x) < ZTOL || x < 0;
+  return std::fabs(x) < kZeroInput || x < 0;
 }
 
 }  // namespace
@@ -29,7 +29,7 @@ void bl21(int32_t mode, int32_t ipar, int32_t iblk, int32_t ist) {
   start_step(ist);
   double y = 0;
   if (NU1.LATCH[ist] == 1) {
-    if (NU1.TMR[ist] >= (P(ipar, 1) - COMM7.DT) - TTOL) {
+    if (NU1.TMR[ist] >= (P(ipar, 1) - COMM7.DT) - kTimerTolerance) {
       y = 1;
     } else if (NNU1.IPRED == 0) {
       NU1.TMR[ist] += COMM7.DT;
@@ -46,14 +46,14 @@ void bl27(int32_t mode, int32_t ipar, int32_t iblk, int32_t ist) {
   start_step(ist);
   double y = 0;
   if (NU1.LATCH[ist] == 1) {
-    if (NU1.TMR[ist] > (P(ipar, 1) - COMM7.DT) - TTOL) {
+    if (NU1.TMR[ist] > (P(ipar, 1) - COMM7.DT) - kTimerTolerance) {
       NU1.TMR[ist] = 0;
       NU1.LATCH[ist] = 0;
     } else {
       if (NNU1.IPRED == 0) NU1.TMR[ist] += COMM7.DT;
       y = 1;
     }
-  } else if (std::fabs(UDXY.X1[iblk] - 1) <= ZTOL) {
+  } else if (std::fabs(UDXY.X1[iblk] - 1) <= kZeroInput) {
     NU1.LATCH[ist] = 1;
     y = 1;
   }
@@ -68,7 +68,7 @@ void bl43(int32_t mode, int32_t ipar, int32_t iblk, int32_t ist) {
     NU1.LATCH[ist] = 0;
     NU1.TMR[ist] = 0;
   } else if (NU1.LATCH[ist] == 1) {
-    if (NU1.TMR[ist] <= (P(ipar, 1) - COMM7.DT) - TTOL) {
+    if (NU1.TMR[ist] <= (P(ipar, 1) - COMM7.DT) - kTimerTolerance) {
       if (NNU1.IPRED == 0) NU1.TMR[ist] += COMM7.DT;
     } else {
       y = 1;
@@ -83,12 +83,12 @@ void bl43(int32_t mode, int32_t ipar, int32_t iblk, int32_t ist) {
 // start X2.  The steady state gives 0.  The count handed on when no test
 // adds is the last one this routine held, whichever block 47 that was.
 void bl47(int32_t mode, int32_t ipar, int32_t iblk) {
-  static double y = 0;
+  double& y = UDKEEP.cnt_y;
   if (mode != 0) {
     y = 0;
   } else {
     const double t = UDXY.X2[iblk] - COMM7.DT;
-    const bool pulse = std::fabs(UDXY.X1[iblk] - 1) < 1.0E-10 && NNU1.IPRED == 0;
+    const bool pulse = std::fabs(UDXY.X1[iblk] - 1) < kPulseTolerance && NNU1.IPRED == 0;
     if (t < P(ipar, 1) && pulse) y = UDXY.Y[iblk] + 1;
     if (t >= P(ipar, 2) && pulse) y = y + 1;
   }

@@ -50,16 +50,16 @@ double ac_base(double kv) {
 // outside the table keeps the value of the line before.
 void dc_resistance(int32_t k, double& rdc) {
   switch (NL4.op_mode[k]) {
-    case 20:
+    case kDcBipole:
       rdc = NL4.rl_ohm[k];
       break;
-    case 10:
+    case kDcEarthReturn:
       rdc = NL4.rpi_ohm[k] + NL4.rl_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
       break;
-    case 11:
+    case kDcMetallicReturn:
       rdc = 2 * NL4.rl_ohm[k];
       break;
-    case 12:
+    case kDcParallel:
       rdc = 0.5 * NL4.rl_ohm[k] + NL4.rpi_ohm[k] + NL4.rpj_ohm[k] + NL4.rei_ohm[k] + NL4.rej_ohm[k];
       break;
     default:
@@ -116,7 +116,7 @@ void dcval() {
     const double vdb = DCBASE.vdb[k] = NL4.vdrate_kv[k];
     const double idb = DCBASE.idb[k] = base / vdb;
     const double zdb = DCBASE.zdb[k] = vdb / idb;
-    const double ldb = DCBASE.ldb[k] = zdb * kInductanceAt50Hz * 1000;
+    const double ldb = DCBASE.ldb[k] = zdb * kInductanceAt50Hz * kMillihenryPerHenry;
     const double tkbi = DCBASE.tkbi[k] = vbi / vdb * kBridgeFactor;
     const double tkbj = DCBASE.tkbj[k] = vbj / vdb * kBridgeFactor;
 
@@ -144,7 +144,7 @@ void dcval() {
     DCLFPU.VD1PU[k] = NL4.vd1_kv[k] / vdb;
     DCLFPU.VD2PU[k] = NL4.vd2_kv[k] / vdb;
     DCLFOP.id10[k] = (NL4.pd1_mw[k] / base) / DCLFPU.VD1PU[k];
-    if (NL4.op_mode[k] == 20) DCLFOP.id20[k] = (NL4.pd2_mw[k] / base) / DCLFPU.VD2PU[k];
+    if (NL4.op_mode[k] == kDcBipole) DCLFOP.id20[k] = (NL4.pd2_mw[k] / base) / DCLFPU.VD2PU[k];
 
     for (Arr<double>* p : {&DCLFOP.pd1i, &DCLFOP.qd1i, &DCLFOP.pd1j, &DCLFOP.qd1j, &DCLFOP.pd2i,
                            &DCLFOP.qd2i, &DCLFOP.pd2j, &DCLFOP.qd2j})
@@ -233,7 +233,7 @@ void dctran() {
       op.a10r_d[k] = NL4.a10_d[k];
       dcsub(k, rdc, op.vd10i[k], op.id10[k], op.a10r_d[k], NL4.gam10_d[k], op.tk1i[k], op.tk1j[k],
             op.vd10j[k], op.pd1i[k], op.qd1i[k], op.pd1j[k], op.qd1j[k]);
-      if (NL4.op_mode[k] > 19) {
+      if (NL4.op_mode[k] >= kDcBipole) {
         const double s1 = std::fabs(NL4.gam10_d[k]) + std::fabs(NL4.gam1min_d[k]) +
                           std::fabs(NL4.a10_d[k]) + std::fabs(NL4.a1min_d[k]) +
                           std::fabs(NL4.pd1_mw[k]) + NL4.vd1_kv[k];
@@ -264,11 +264,21 @@ void dctran() {
     VPQ.QDC[a] += op.qd1i[k] + op.qd2i[k] + DCLFPU.qcip[k];
     VPQ.PDC[b] += op.pd1j[k] + op.pd2j[k];
     VPQ.QDC[b] += op.qd1j[k] + op.qd2j[k] + DCLFPU.qcjp[k];
-    if (NL4.op_mode[k] == 20) {  // one filter per pole at each end
+    if (NL4.op_mode[k] == kDcBipole) {  // one filter per pole at each end
       VPQ.QDC[a] += DCLFPU.qcip[k];
       VPQ.QDC[b] += DCLFPU.qcjp[k];
     }
   }
+}
+
+int32_t dc_poles(int32_t k) {
+  return NL4.op_mode[k] == kDcBipole ? 2 : 1;
+}
+
+double converter_tap_percent(double tk, int32_t bridges, double vb, double vdb, double vl,
+                             double vh) {
+  const double m = tk * bridges * vb / vdb * vl * kBridgeFactor / vh;
+  return (m - 1) * 100;
 }
 
 }  // namespace lf

@@ -56,7 +56,11 @@ int32_t nudvar() {
 
 void inifudlf(int32_t n) {
   if (n == 0) return;
-  const auto f = static_cast<int32_t>(0.025F * static_cast<float>(n) + 1.0001F);
+  // A table file holds 40 variables: a fortieth of a file per variable,
+  // rounded up to whole files, in single precision as designed.
+  constexpr float kFilesPerVariable = 0.025F;
+  constexpr float kRoundUp = 1.0001F;
+  const auto f = static_cast<int32_t>(kFilesPerVariable * static_cast<float>(n) + kRoundUp);
   if (IFUDLF > f) return;
   FUDLF.grow(static_cast<std::size_t>(IFUDLF + f));
   for (int32_t k = IFUDLF + 1; k <= IFUDLF + f; ++k) FUDLF[k] = "FL" + std::to_string(k) + ".DAT";

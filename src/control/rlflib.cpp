@@ -104,9 +104,13 @@ void read_library(const std::string& path, std::vector<int32_t>& need, int32_t& 
 }  // namespace
 
 int32_t typei_key(int32_t model) {
+  // The thousands digit and the rest of the model number, split in single
+  // precision with a small push before each truncation, as designed.
+  constexpr float kThousandth = 0.001F, kThousand = 1000.0F, kPush = 0.01F;
   const float n = static_cast<float>(model);
-  const auto i1 = static_cast<int32_t>(0.001F * n + 0.01F);
-  const auto i2 = static_cast<int32_t>((0.001F * n - static_cast<float>(i1)) * 1000.0F + 0.01F);
+  const auto i1 = static_cast<int32_t>(kThousandth * n + kPush);
+  const auto i2 =
+      static_cast<int32_t>((kThousandth * n - static_cast<float>(i1)) * kThousand + kPush);
   if (i1 < 1 || i1 > static_cast<int32_t>(TYPEIRec::kFamilies) || i2 < 1 ||
       i2 > static_cast<int32_t>(TYPEIRec::kModels))
     return -1;

@@ -8,13 +8,17 @@
 
 namespace lf {
 
+namespace {
+constexpr double kPrintsAsZero = 1.0E-10;  // a value at most this in size prints as "0."
+}  // namespace
+
 std::string rtoa(int32_t n, double value) {
   // A value too large for n columns is cut to the largest that fits; a
   // negative one leaves a column for the sign.
   double w = std::fabs(value);
   if (w > std::pow(10.0, n) - 1) w = value > 0 ? std::pow(10.0, n) - 1 : std::pow(10.0, n - 1) - 1;
   std::string text(static_cast<std::size_t>(n), ' ');
-  if (w <= 1.0E-10) {
+  if (w <= kPrintsAsZero) {
     text[n - 1] = '.';
     if (n > 1) text[n - 2] = '0';
     return text;

@@ -56,11 +56,8 @@ void add_instance(const SourceRow& s, int32_t r, bool all_buses) {
   UDR.UDTYPE[i] = s.no + kTypeBase;
 }
 
-// Rows of S9 so far: those of the .L9 file and the derived ones.
-int32_t rows = 0;
-
 void add_derived(const SourceRow& s) {
-  add_instance(s, ++rows, false);
+  add_instance(s, ++S9.count, false);
 }
 
 // The branch that a control row names by its ends, in either direction, and
@@ -124,9 +121,9 @@ void rl9(const CaseName& casename) {
     if (!in(mark, s.no, s.grp, s.b1, s.p0, s.q0, s.v0, s.f3, s.f4, s.line, s.side, s.b2, s.b3,
             s.b4))
       break;
-    if (mark > 0) add_instance(s, ++rows, true);
+    if (mark > 0) add_instance(s, ++S9.count, true);
   }
-  NU.nl9 = rows;
+  NU.nl9 = S9.count;
 }
 
 void addl9() {
@@ -141,6 +138,7 @@ void addl9() {
     }
     // A load at a generator's bus makes no instance; its type is reset at
     // the row numbered by the count of source rows, not at its own row.
+    const int32_t rows = S9.count;
     if (rows >= 1 && rows <= static_cast<int32_t>(L6.mode_ctrl.size()))
       L6.mode_ctrl[rows] = (mode == -4 || mode == -6) ? -1 : 1;
   }
@@ -204,7 +202,7 @@ void rudlf(const CaseName& casename, const CaseName& libname) {
   NU.nud = 0;
   NU.nud1 = 0;
   NU.udout = 0;
-  rows = 0;
+  S9.count = 0;
   if (NU.nl9 != 0) rl9(casename);
   addl9();
   rlflib(libname);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "control/udblock.hpp"
 #include "control/udeval.hpp"
 #include "control/udmodel.hpp"
 #include "io/errlist.hpp"
@@ -12,16 +13,19 @@
 #include "store/vpq.hpp"
 #include "support/angles.hpp"
 #include "support/fmt.hpp"
+#include "support/tolerances.hpp"
 
 namespace lf {
 
 namespace {
 
-// Below this a ratio counts as 1, an impedance as this.
+// Below this a ratio counts as 1.
 constexpr double kMinRatio = 0.0001;
-constexpr double kTinyZ = 1.0E-20;
-// Extra currents below this in size are left out.
-constexpr double kNoCurrent = 1.0E-7;
+// The bus type that output code 15 stores is pushed by this before it is
+// rounded; the test of the stored type afterwards pushes by the larger
+// kTypePushTest.  The two differ on purpose.
+constexpr double kTypePushStore = 0.001;
+constexpr double kTypePushTest = 0.01;
 
 // Internal number of an external bus number, 0 outside the table.
 int32_t internal(int32_t bus) {
@@ -91,7 +95,7 @@ void aiap(int32_t side, double r, double x, double& k, double b, double e1, doub
   if (std::fabs(k) < kMinRatio) k = 1;
   const double a = e1 * k - e2, b2 = f1 * k - f2;
   double z = (x * x + r * r) * k;
-  if (std::fabs(z) < kTinyZ) z = z >= 0 ? kTinyZ : -kTinyZ;
+  if (std::fabs(z) < kTinyDivisor) z = z >= 0 ? kTinyDivisor : -kTinyDivisor;
   if (side == 1) {
     ir = (x * b2 + r * a) / z - f1 * b;
     ii = b * e1 + (b2 * r - a * x) / z;
@@ -103,7 +107,7 @@ void aiap(int32_t side, double r, double x, double& k, double b, double e1, doub
 }
 
 void fmlfin(int32_t code, int32_t loc1, int32_t loc2, double& value) {
-  static int32_t side = 1;  // the side of the last current asked for
+  int32_t& side = UDKEEP.side;
   value = 0;
   const int32_t k = std::abs(code);
   const int32_t i = internal(loc1);
@@ -243,8 +247,8 @@ void dwout(int32_t first, int32_t last) {
           if (l) L6.Angle[l] = v;
           VPQ.TH[i] = kDegToRadSingle * v;
         } else {
-          if (g) L5.mode_ctrl[g] = bus_type(v, 0.001);
-          if (l) L6.mode_ctrl[l] = bus_type(v, 0.001);
+          if (g) L5.mode_ctrl[g] = bus_type(v, kTypePushStore);
+          if (l) L6.mode_ctrl[l] = bus_type(v, kTypePushStore);
           typed = true;
           break;
         }
@@ -302,7 +306,7 @@ void dwout(int32_t first, int32_t last) {
   // Extra currents become extra powers at the present voltages.
   for (int32_t i = 1; i <= NO.nnode; ++i) {
     const double p = LFUDOT.UDGINJ[i], q = LFUDOT.UDBINJ[i];
-    if (std::fabs(q) + std::fabs(p) < kNoCurrent) continue;
+    if (std::fabs(q) + std::fabs(p) < kNoInjection) continue;
     LFUDOT.UDPINJ[i] += q * VPQ.F[i] + p * VPQ.E[i];
     LFUDOT.UDQINJ[i] += p * VPQ.F[i] - q * VPQ.E[i];
   }
@@ -311,7 +315,7 @@ void dwout(int32_t first, int32_t last) {
   // swing bus its angle) at once.
   for (int32_t n = first; n <= last; ++n) {
     if (LFUDOT.UDOTYP[n] != 15) continue;
-    const int32_t t = bus_type(LFUDOT.UDOVAL[n], 0.01);
+    const int32_t t = bus_type(LFUDOT.UDOVAL[n], kTypePushTest);
     const int32_t i = internal(LFUDOT.UDOLOC1[n]), g = gen_at(i), l = load_at(i);
     if (t <= kTypeSlack) {
       if (g) VPQ.V[i] = L5.V[g];

@@ -64,6 +64,21 @@ struct NOST1Rec {
   int32_t KSTEP = 0;  // step counter of the time-step form; 0 in the load flow
 };
 
+// Working values that some routines keep from one call to the next.  They
+// belong to the routine, not to a block: every block of the kind shares
+// them, over all calculations of the run, so a call that sets nothing hands
+// on what the last call left.  Each field is written and read by the routine
+// named beside it alone; nothing clears them.
+struct UDKEEPRec {
+  double ramp_y = 0, ramp_dy = 0;  // RAMP (bl14): the last output and its derivative
+  double line_y = 0, line_dy = 0;  // LINE (bl30): likewise
+  double ml_y = 0, ml_dy = 0;      // ML (bl31): likewise
+  double fex_y = 0, fex_dy = 0;    // FEX (bl33): likewise
+  double dead_y = 0;               // DEAD (bl44): the last output
+  double cnt_y = 0;                // CNT (bl47): the last count; a call with mode != 0 clears it
+  int32_t side = 1;                // fmlfin: side (1 or 2) of the last branch current asked for
+};
+
 extern UDXYRec UDXY;
 extern UDBRec UDB;
 extern Arr<double> NUPA;  // parameters of all blocks, consecutive per block (fmlfar)
@@ -71,5 +86,6 @@ extern NU1Rec NU1;
 extern NNU1Rec NNU1;
 extern COMM7Rec COMM7;
 extern NOST1Rec NOST1;
+extern UDKEEPRec UDKEEP;
 
 }  // namespace lf

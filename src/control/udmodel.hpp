@@ -28,6 +28,8 @@ struct S9Rec {
   Arr<int32_t> S9LINE;                  // line number (IJB.No) of the instance, 0 none
   Arr<int32_t> S9SIDE;                  // side of that line for location values, 1 or 2
   Arr<int32_t> S9B1, S9B2, S9B3, S9B4;  // external (case) bus numbers, 0 none
+  int32_t count = 0;  // rows so far: those of the .L9 file, then those the control fields
+                      // made; cleared and counted by rudlf, which stores NU.nl9 from it
 };
 
 struct L9Rec {

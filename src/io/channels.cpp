@@ -67,6 +67,14 @@ int32_t stop_on_escape(int32_t type, const MessageInfo& info) {
   return 1;
 }
 
+// The message waiting on the main window, if any (kMsgNone otherwise).
+int32_t peek_main(MessageInfo& info) {
+  int32_t type = kMsgNone;
+  WindowSelect(0);
+  WMessagePeek(type, info);
+  return type;
+}
+
 }  // namespace
 
 std::string cfact_text() {
@@ -94,20 +102,15 @@ int wstring(const char* text, int length) {
 }
 
 void itrupt(int32_t& flag) {
-  flag = 0;
-  int32_t type = kMsgNone;
   MessageInfo info;
-  WindowSelect(0);
-  WMessagePeek(type, info);
+  const int32_t type = peek_main(info);
   flag = stop_on_escape(type, info);
 }
 
 void itrupt1(int32_t& flag) {
   flag = 0;
-  int32_t type = kMsgNone;
   MessageInfo info;
-  WindowSelect(0);
-  WMessagePeek(type, info);
+  int32_t type = peek_main(info);
   if (type != kMsgKey) return;
   do {
     WMessagePeek(type, info);

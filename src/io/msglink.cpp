@@ -107,8 +107,7 @@ void msgsend(int32_t kind, const void* body, int32_t length, int32_t& status) {
 }
 
 void msgheadrecv(int32_t& kind, int32_t& length) {
-  static char head[kHeader];
-  std::memset(head, 0, sizeof head);
+  char head[kHeader] = {};
   if (ReadMessage(head, kHeader) < 1) {
     kind = 0;
     length = 0;

@@ -7,6 +7,7 @@
 #include "methods/limit.hpp"
 #include "sparse/ymatrix.hpp"
 #include "support/fmt.hpp"
+#include "support/tolerances.hpp"
 
 namespace lf {
 
@@ -86,7 +87,9 @@ void settle_angles(NewtonWork& w) {
   const Arr<double>& E = VPQ.E;
   const Arr<double>& F = VPQ.F;
   for (int32_t i = 1; i <= w.n; ++i)
-    VPQ.TH[i] = (std::fabs(E[i]) > 1e-20 || std::fabs(F[i]) > 1e-20) ? std::atan2(F[i], E[i]) : 0;
+    VPQ.TH[i] = (std::fabs(E[i]) > kTinyDivisor || std::fabs(F[i]) > kTinyDivisor)
+                    ? std::atan2(F[i], E[i])
+                    : 0;
 }
 
 void save_buses(NewtonWork& w, BusState& before) {

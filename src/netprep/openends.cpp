@@ -16,6 +16,10 @@ namespace lf {
 
 namespace {
 
+// A branch with charging, or with a ratio off 1, by more than this ties its
+// ends to ground, so that the island holding them has a reference.
+constexpr double kGroundingTolerance = 1e-9;
+
 struct Branch {
   int32_t I, J, No;
   double R, X, B, T;
@@ -101,7 +105,8 @@ void insulat() {
     int32_t i = IJB.I[k], j = IJB.J[k];
     if (i < 1 || j < 1) continue;
     mark[static_cast<std::size_t>(i)] = mark[static_cast<std::size_t>(j)] = 1;
-    if (i == j || std::fabs(RXB.B[k]) > 1e-9 || std::fabs(RXB.T[k] - 1.0) > 1e-9)
+    if (i == j || std::fabs(RXB.B[k]) > kGroundingTolerance ||
+        std::fabs(RXB.T[k] - 1.0) > kGroundingTolerance)
       grounded[static_cast<std::size_t>(i)] = grounded[static_cast<std::size_t>(j)] = 1;
     if (i == j) continue;
     ++m;

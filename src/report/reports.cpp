@@ -212,23 +212,18 @@ void dwirii() {
   LFUDOT.grow(static_cast<std::size_t>(NO.nnode));
   for (int32_t i = 1; i <= NO.nnode; ++i) {
     const double p = LFUDOT.UDPINJ[i], q = LFUDOT.UDQINJ[i];
-    if (std::fabs(p) + std::fabs(q) < 1e-7) continue;
-    if (const int32_t g = GLP.IGEN[i]; g > 0) {
-      if (L5.mode_ctrl[g] == kTypeSlack) {
-        VPQ.PG[i] -= p;
-        VPQ.QG[i] -= q;
-      } else if (L5.mode_ctrl[g] == kTypePV) {
-        VPQ.QG[i] -= q;
+    if (std::fabs(p) + std::fabs(q) < kNoInjection) continue;
+    // A slack row gives both parts back, a voltage row the reactive part.
+    const auto take_out = [p, q](int32_t type, double& pw, double& qw) {
+      if (type == kTypeSlack) {
+        pw -= p;
+        qw -= q;
+      } else if (type == kTypePV) {
+        qw -= q;
       }
-    }
-    if (const int32_t l = GLP.ILOAD[i]; l > 0) {
-      if (L6.mode_ctrl[l] == kTypeSlack) {
-        VPQ.PL[i] -= p;
-        VPQ.QL[i] -= q;
-      } else if (L6.mode_ctrl[l] == kTypePV) {
-        VPQ.QL[i] -= q;
-      }
-    }
+    };
+    if (const int32_t g = GLP.IGEN[i]; g > 0) take_out(L5.mode_ctrl[g], VPQ.PG[i], VPQ.QG[i]);
+    if (const int32_t l = GLP.ILOAD[i]; l > 0) take_out(L6.mode_ctrl[l], VPQ.PL[i], VPQ.QL[i]);
   }
 }
 
@@ -254,7 +249,7 @@ void wlp1(int32_t convergent, const CaseName& casename) {
       const int32_t i = NEW[k];
       if (i == 0) continue;
       double angle = VPQ.TH[i] * kRadToDegShort;
-      if (std::fabs(angle) > 360.0) angle -= std::trunc(angle / 360.0) * 360.0;
+      if (std::fabs(angle) > kFullTurnDeg) angle -= std::trunc(angle / kFullTurnDeg) * kFullTurnDeg;
       out.ints({k}, 4);
       out.reals({VPQ.V[i], angle}, 15, 10);
       out.end_line();

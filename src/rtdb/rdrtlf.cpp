@@ -5,10 +5,12 @@
 // widened; bus voltage limits alone come in kV and are divided by the base.
 #include <algorithm>
 #include <cstdio>
+#include <string>
 #include <vector>
 
 #include "casefile/checks.hpp"
 #include "casefile/indexcheck.hpp"
+#include "casefile/sequence.hpp"
 #include "rtdb/pass.hpp"
 #include "rtdb/rtdb.hpp"
 #include "rtdb/rtdbls.hpp"
@@ -25,6 +27,8 @@ constexpr double kDefaultVmax = 1.149999976158142;
 constexpr double kDefaultVmin = 0.8500000238418579;
 constexpr double kDefaultTolerance = 9.999999747378752e-05;
 constexpr double kDefaultBaseMva = 100.0;
+constexpr int32_t kDefaultMethod = 1;       // Newton's method with the correction test
+constexpr int32_t kDefaultIterations = 50;  // the iteration limit
 
 // The bus, type and set values of generator or load k.  Without
 // user-defined models the extended type codes fold into the plain ones.
@@ -68,8 +72,8 @@ void rdrtlfctrl() {
     LFINF.vmax = kDefaultVmax;
     LFINF.vmin = kDefaultVmin;
     LFINF.tolerance = kDefaultTolerance;
-    LFINF.method = 1;
-    LFINF.iteration = 50;
+    LFINF.method = kDefaultMethod;
+    LFINF.iteration = kDefaultIterations;
     LFINF.ctrl_area = 0;
     LF93.ctrl_ud = LF93.ctrl_sub = 0;
     LFINF.base_mva = kDefaultBaseMva;
@@ -163,13 +167,15 @@ void store_rx(int32_t n, double r, double x, double b, double t) {
   RXB.T[n] = t;
 }
 
-void store_control(int32_t n, int32_t mode_ctrl, int32_t par_group, int32_t ibs_ctrl,
+// The control data of a branch row into row n of L2P or L3P.
+template <typename Rec>
+void store_control(Rec& rec, int32_t n, int32_t mode_ctrl, int32_t par_group, int32_t ibs_ctrl,
                    int32_t line_ctrl, double value_ctrl) {
-  L2P.mode_ctrl[n] = mode_ctrl;
-  L2P.par_group[n] = par_group;
-  L2P.ibs_ctrl[n] = ibs_ctrl;
-  L2P.line_ctrl[n] = line_ctrl;
-  L2P.value_ctrl[n] = value_ctrl;
+  rec.mode_ctrl[n] = mode_ctrl;
+  rec.par_group[n] = par_group;
+  rec.ibs_ctrl[n] = ibs_ctrl;
+  rec.line_ctrl[n] = line_ctrl;
+  rec.value_ctrl[n] = value_ctrl;
 }
 
 void store_line_ends(int32_t n) {
@@ -194,7 +200,7 @@ void rdrtactrs() {
     store_rx(n, l.r1, l.x1, l.bch, 1.0);
     strc2f(l.dv, kTextWidth);
     read_int(l.dv, kTextWidth, IJB.LOSSAREA[n]);
-    store_control(n, l.mode_ctrl, l.par_group, l.ibs_ctrl, l.line_ctrl, l.value_ctrl);
+    store_control(L2P, n, l.mode_ctrl, l.par_group, l.ibs_ctrl, l.line_ctrl, l.value_ctrl);
   });
   close_pass(pl);
 
@@ -209,7 +215,7 @@ void rdrtactrs() {
     store_line_ends(n);
     store_rx(n, c.r1, c.x1, 0.0, 1.0);
     IJB.LOSSAREA[n] = 0;
-    store_control(n, c.mode_ctrl, c.par_no, c.ibs_ctrl, c.line_ctrl, c.value_ctrl);
+    store_control(L2P, n, c.mode_ctrl, c.par_no, c.ibs_ctrl, c.line_ctrl, c.value_ctrl);
   });
   close_pass(pc);
 
@@ -230,13 +236,9 @@ void rdrtactrs() {
     L3PP.Xm[t] = x.xm;
     store_rx(n, x.r1, x.x1, 0.0, x.tk);
     L3P.ang_shift[n] = x.ang_shift;
-    store_control(n, x.mode_ctrl, x.par_no, x.ibs_ctrl, x.line_ctrl, x.value_ctrl);
+    store_control(L2P, n, x.mode_ctrl, x.par_no, x.ibs_ctrl, x.line_ctrl, x.value_ctrl);
     // The standard models of a transformer are made from its own record.
-    L3P.mode_ctrl[t] = x.mode_ctrl;
-    L3P.par_group[t] = x.par_no;
-    L3P.ibs_ctrl[t] = x.ibs_ctrl;
-    L3P.line_ctrl[t] = x.line_ctrl;
-    L3P.value_ctrl[t] = x.value_ctrl;
+    store_control(L3P, t, x.mode_ctrl, x.par_no, x.ibs_ctrl, x.line_ctrl, x.value_ctrl);
   });
   close_pass(px);
 }
@@ -378,9 +380,21 @@ void rdrtloadpar() {
 
 namespace {
 
-bool read_ok() {
-  return RTDBFAIL.text.empty();
-}
+// The tables of the database session, each part read by its own pass.  The
+// database has no area schedules and no switch records.
+class CaseTables final : public CaseSource {
+ public:
+  bool ok() const override { return RTDBFAIL.text.empty(); }
+  void control() override { rdrtlfctrl(); }
+  void buses() override { rdrtbus(); }
+  void branches() override { rdrtactrs(); }
+  void dc_lines() override { rdrtdc(); }
+  void generators() override { rdrtgen(); }
+  void loads() override { rdrtload(); }
+  void factors() override { rdrtl10(); }
+  void load_library() override { rdrtloadpar(); }
+  std::string load_origin() const override { return "table ld"; }
+};
 
 }  // namespace
 
@@ -391,23 +405,8 @@ void rdrtlf() {
   if (RTDBLSCMN.rtdbmode == 0) return;
   RTDBFAIL = {};
   NU.nl9 = 0;  // model rows come from a case file only, never from the database
-  rdrtlfctrl();
-  clamp_counts();
-  if (read_ok() && LFINF.nbus > 0) rdrtbus();
-  if (read_ok() && LFINF.nacline + LFINF.ntrans > 0) rdrtactrs();
-  if (read_ok() && LFINF.ndcline > 0) rdrtdc();
-  if (read_ok() && LFINF.ngenerat > 0) rdrtgen();
-  if (read_ok() && LFINF.nload > 0) rdrtload();
-  if (read_ok() && LF93.ctrl_fact > 0) {
-    rdrtl10();
-    if (read_ok() && LF93.ctrl_fact > 0) chpq();
-  }
-  int32_t flag = 0;
-  if (read_ok() && LFINF.nload > 0) isrlib(flag);
-  if (read_ok() && flag > 0) rdrtloadpar();
-  if (read_ok() && LFINF.nload > 0) check_load_types("table ld");
-  NO.nbranch = LFINF.nacline + LFINF.ntrans;
-  NO.ndc = LFINF.ndcline;
+  CaseTables tables;
+  read_case(tables);
   cli_precommit(RTDBLSCMN.session);
 }
 

@@ -254,21 +254,15 @@ void wtrtdc() {
     d.lsi = NL4.lsi_mh[m];
     d.lsj = NL4.lsj_mh[m];
     // One filter per pole in bipolar operation.
-    double filters = NL4.op_mode[m] == 20 ? 2 : 1;
+    const double filters = dc_poles(m);
     d.qcip = DCLFPU.qcip[m] * filters;
     d.qcjp = DCLFPU.qcjp[m] * filters;
     // Tap positions of the converter transformers in percent.
     auto tap_i = [&](double tk) {
-      return ((tk * NL4.i_bridge[m] * d.vbi / d.vdb) * NL4.vli_kv[m] * kBridgeFactor /
-                  NL4.vhi_kv[m] -
-              1) *
-             100;
+      return converter_tap_percent(tk, NL4.i_bridge[m], d.vbi, d.vdb, NL4.vli_kv[m], NL4.vhi_kv[m]);
     };
     auto tap_j = [&](double tk) {
-      return ((tk * NL4.j_bridge[m] * d.vbj / d.vdb) * NL4.vlj_kv[m] * kBridgeFactor /
-                  NL4.vhj_kv[m] -
-              1) *
-             100;
+      return converter_tap_percent(tk, NL4.j_bridge[m], d.vbj, d.vdb, NL4.vlj_kv[m], NL4.vhj_kv[m]);
     };
     d.ttk1i = tap_i(d.tk1i);
     d.ttk2i = tap_i(d.tk2i);

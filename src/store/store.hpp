@@ -239,7 +239,7 @@ struct NL4Rec {
   Arr<double> xtj_perc;              // its reactance, percent
   Arr<double> vtjmax_kv, vtjmin_kv;  // its tap range as voltages, kV
   Arr<int32_t> j_tap;                // its tap steps
-  Arr<int32_t> op_mode;              // operating mode (10 one pole, 20 bipole, ...)
+  Arr<int32_t> op_mode;              // operating mode, kDc...
   Arr<double> qci_mvar, qcj_mvar;    // filter and capacitor reactive power of each end, Mvar
   Arr<double> pd1_mw, vd1_kv;        // pole 1: DC power (MW) and voltage (kV) ordered
   Arr<double> a1min_d, a10_d;        // pole 1: firing angle limit and value, degrees
@@ -249,6 +249,12 @@ struct NL4Rec {
   Arr<double> gam2min_d, gam20_d;
   void grow(std::size_t n);
 };
+
+// The operating modes of a DC line (NL4.op_mode).
+constexpr int32_t kDcEarthReturn = 10;     // one pole, return through the earth electrodes
+constexpr int32_t kDcMetallicReturn = 11;  // one pole, return on the second conductor
+constexpr int32_t kDcParallel = 12;        // one pole on both conductors, earth return
+constexpr int32_t kDcBipole = 20;          // two poles
 
 struct L5Rec {             // generators, by row 1..ngenerat (merged rows after dwsubij)
   Arr<double> P;           // active power given, per unit; adjare moves it

@@ -1,5 +1,7 @@
 // The node solution and the bus-to-row index shared by all methods, the
-// reports and the database writer.  Both are indexed by internal bus number.
+// reports and the database writer.  Both are indexed by internal bus number
+// from 1 (NEW[reduced bus]; index 0 unused).  Powers are per unit on
+// base_mva.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +11,9 @@
 
 namespace lf {
 
+// inivpq writes the flat start, the methods the iterates (and the powers of
+// slack and voltage buses), dctran PDC and QDC; read by the methods, the
+// models, the reports and the database writer.
 struct VPQRec {
   Arr<double> V;    // voltage magnitude, per unit
   Arr<double> TH;   // voltage angle, radians
@@ -23,6 +28,8 @@ struct VPQRec {
   void grow(std::size_t n);
 };
 
+// Written by glpos before each method; read by the methods, limit, the
+// models and the reports.
 struct GLPRec {
   Arr<int32_t> IGEN;   // row of L5 at the bus, 0 for none
   Arr<int32_t> ILOAD;  // row of L6 at the bus, 0 for none

@@ -15,6 +15,10 @@ constexpr double kDegToRadSingle = 0.0174532925239284;
 // angles).
 constexpr double kDegToRadDc = 0.017453292520882225;
 
+// A full turn in degrees: the bus angles of the report files fold into
+// -360 .. 360.
+constexpr double kFullTurnDeg = 360.0;
+
 // Radians to degrees, the short decimal 57.2957795: the bus angles of the
 // report files and of the model output.
 constexpr double kRadToDegShort = 57.2957795;

@@ -16,8 +16,10 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "casefile/readers.hpp"
+#include "cmdline.hpp"
 #include "io/channels.hpp"
 #include "rtdb/rtdbls.hpp"
 #include "rtdb/rtlfcase.hpp"
@@ -30,25 +32,18 @@ namespace fs = std::filesystem;
 namespace lf {
 namespace {
 
-constexpr int kExitUsage = 2;
-
-int usage(const char* problem) {
-  if (problem) std::fprintf(stderr, "lfdb: %s\n", problem);
-  std::fputs(
-      "usage: lfdb import CASE_STEM DB_FILE [--dat DAT_STEM]\n"
-      "\n"
-      "Creates the database file DB_FILE with the tables of the load flow and\n"
-      "fills it from the case files CASE_STEM.L0, .L1, .L2, .L3, .NL4, .L5, .L6\n"
-      "(scaled by .L10 when the case asks for it).  DAT_STEM.DAT gives the static\n"
-      "load characteristics when a load needs them; it defaults to DATALIB beside\n"
-      "the case.  Area schedules (.L7), switch records (.L13) and model files have\n"
-      "no tables here: database mode solves the case without them, and lfdb warns\n"
-      "when the case has them.  An existing DB_FILE is never replaced.\n"
-      "\n"
-      "Run the case on the database with: lfrun --db DB_FILE CASE_STEM\n",
-      problem ? stderr : stdout);
-  return problem ? kExitUsage : 0;
-}
+constexpr const char* kUsage =
+    "usage: lfdb import CASE_STEM DB_FILE [--dat DAT_STEM]\n"
+    "\n"
+    "Creates the database file DB_FILE with the tables of the load flow and\n"
+    "fills it from the case files CASE_STEM.L0, .L1, .L2, .L3, .NL4, .L5, .L6\n"
+    "(scaled by .L10 when the case asks for it).  DAT_STEM.DAT gives the static\n"
+    "load characteristics when a load needs them; it defaults to DATALIB beside\n"
+    "the case.  Area schedules (.L7), switch records (.L13) and model files have\n"
+    "no tables here: database mode solves the case without them, and lfdb warns\n"
+    "when the case has them.  An existing DB_FILE is never replaced.\n"
+    "\n"
+    "Run the case on the database with: lfrun --db DB_FILE CASE_STEM\n";
 
 void put_text(char* field, const std::string& text) {
   std::size_t n = std::min(text.size(), static_cast<std::size_t>(kTextWidth - 1));
@@ -85,6 +80,18 @@ void put_limits(Row& row, const LPRec& p, int32_t k) {
   row.wmn = static_cast<float>(p.Pmin[k]);
   row.par_group = p.par_group[k];
   put_control(row, 0, p.ibs_ctrl[k], p.line_ctrl[k], p.value_ctrl[k]);
+}
+
+// The bus, type and set values of generator or load k of rec; after
+// put_limits, whose control fields leave the type at 0.
+template <typename Row, typename Rec>
+void put_setpoint(Row& row, const Rec& rec, int32_t k) {
+  row.ibs = rec.ibs[k];
+  row.mode_ctrl = rec.mode_ctrl[k];
+  row.w = static_cast<float>(rec.P[k]);
+  row.r = static_cast<float>(rec.Q[k]);
+  row.v = static_cast<float>(rec.V[k]);
+  row.adeg = static_cast<float>(rec.Angle[k]);
 }
 
 bool write_control(int s, const std::string& scheme) {
@@ -268,26 +275,16 @@ bool write_units(int s) {
   for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
     un_row u;
     reset(u);
-    u.ibs = L5.ibs[g];
     put_limits(u, L5P, g);
-    u.mode_ctrl = L5.mode_ctrl[g];
-    u.w = static_cast<float>(L5.P[g]);
-    u.r = static_cast<float>(L5.Q[g]);
-    u.v = static_cast<float>(L5.V[g]);
-    u.adeg = static_cast<float>(L5.Angle[g]);
+    put_setpoint(u, L5, g);
     if (!insert(s, "un", bindun, u)) return false;
   }
   for (int32_t d = 1; d <= LFINF.nload; ++d) {
     ld_row l;
     reset(l);
-    l.ibs = L6.ibs[d];
     l.ldno = L6.No[d];
     put_limits(l, L6P, d);
-    l.mode_ctrl = L6.mode_ctrl[d];
-    l.w = static_cast<float>(L6.P[d]);
-    l.r = static_cast<float>(L6.Q[d]);
-    l.v = static_cast<float>(L6.V[d]);
-    l.adeg = static_cast<float>(L6.Angle[d]);
+    put_setpoint(l, L6, d);
     if (!insert(s, "ld", bindld, l)) return false;
   }
   for (int32_t p = 1; p <= LFINF.nloadpar; ++p) {
@@ -324,12 +321,17 @@ int say(const char* line) {
   return 0;
 }
 
-int import(const std::string& stem, const fs::path& file, std::string dat) {
+// Imports the case of stem into the new database file; a problem with the
+// names is told as bad usage of the program.
+int import(const lfcmd::Program& program, const std::string& stem, const fs::path& file,
+           std::string dat) {
   if (fs::exists(file))
-    return usage(("will not replace the existing file " + file.string()).c_str());
-  if (stem.size() > CaseName::size()) return usage("the case stem is longer than 60 characters");
+    return lfcmd::problem(program, "will not replace the existing file " + file.string());
+  if (stem.size() > CaseName::size())
+    return lfcmd::problem(program, "the case stem is longer than 60 characters");
   if (dat.empty()) dat = (fs::path(stem).parent_path() / "DATALIB").string();
-  if (dat.size() > CaseName::size()) return usage("the library stem is longer than 60 characters");
+  if (dat.size() > CaseName::size())
+    return lfcmd::problem(program, "the library stem is longer than 60 characters");
 
   prnon = 1;
   prnfunc = reinterpret_cast<intptr_t>(&say);
@@ -379,20 +381,18 @@ int import(const std::string& stem, const fs::path& file, std::string dat) {
 
 int main(int argc, char** argv) {
   std::string dat;
-  std::string args[3];
-  int n = 0;
-  for (int i = 1; i < argc; ++i) {
-    std::string a = argv[i];
-    if (a == "--help" || a == "-h") return lf::usage(nullptr);
-    if (a == "--dat") {
-      if (i + 1 >= argc) return lf::usage("--dat needs a library stem");
-      dat = argv[++i];
-    } else if (n < 3) {
-      args[n++] = a;
-    } else {
-      return lf::usage("too many arguments");
-    }
-  }
-  if (n != 3 || args[0] != "import") return lf::usage("expected: import CASE_STEM DB_FILE");
-  return lf::import(args[1], args[2], dat);
+  const lfcmd::Command command{{"lfdb", lf::kUsage},
+                               {{"--dat", "a library stem",
+                                 [&dat](const char* value) {
+                                   dat = value;
+                                   return std::string();
+                                 }}},
+                               3,
+                               "too many arguments",
+                               true};
+  std::vector<std::string> args;
+  if (int status = lfcmd::parse(command, argc, argv, args); status >= 0) return status;
+  if (args.size() != 3 || args[0] != "import")
+    return lfcmd::problem(command.program, "expected: import CASE_STEM DB_FILE");
+  return lf::import(command.program, args[1], args[2], dat);
 }

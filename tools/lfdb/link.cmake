@@ -6,4 +6,4 @@ configure_file(${dir}/schema.cpp.in ${lfdb_schema_cpp} @ONLY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
              ${PROJECT_SOURCE_DIR}/src/rtdb/schema.sql ${dir}/schema.cpp.in)
 target_sources(${tool} PRIVATE ${lfdb_schema_cpp})
-target_link_libraries(${tool} PRIVATE lfcore)
+target_link_libraries(${tool} PRIVATE lfcore lfcmdline)

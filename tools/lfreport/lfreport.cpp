@@ -3,7 +3,9 @@
 // HTML page with plots and sortable tables.
 #include <cstdio>
 #include <string>
+#include <vector>
 
+#include "cmdline.hpp"
 #include "html.hpp"
 #include "results.hpp"
 #include "runlog.hpp"
@@ -13,48 +15,41 @@
 namespace {
 
 constexpr int kExitFailed = 1;
-constexpr int kExitUsage = 2;
 
-int usage(const char* problem) {
-  if (problem) std::fprintf(stderr, "lfreport: %s\n", problem);
-  std::fputs(
-      "usage: lfreport CASE_STEM [--csv DIR] [--html FILE]\n"
-      "\n"
-      "Reads the case files CASE_STEM.L0, .L1, ... and the report files that a\n"
-      "calculation left beside them (CASE_STEM.LP1, ...; CASE_STEM.LOG, the run\n"
-      "log that lfrun keeps, for the iterations) and prints the result summary.\n"
-      "CASE_STEM.MAP, written by mp2lf, gives the buses' numbers in the source\n"
-      "case (column source_bus).\n"
-      "\n"
-      "  --csv DIR    writes buses.csv, branches.csv, transformers.csv,\n"
-      "               generators.csv, loads.csv, dc_lines.csv and areas.csv into DIR:\n"
-      "               a header row, one row per element, numbers in full, bus names\n"
-      "  --html FILE  writes one self-contained page: the summary, plots of the bus\n"
-      "               voltages and angles, the branch loading and the convergence,\n"
-      "               and the tables, sortable by a click on a column heading\n",
-      problem ? stderr : stdout);
-  return problem ? kExitUsage : 0;
-}
+constexpr const char* kUsage =
+    "usage: lfreport CASE_STEM [--csv DIR] [--html FILE]\n"
+    "\n"
+    "Reads the case files CASE_STEM.L0, .L1, ... and the report files that a\n"
+    "calculation left beside them (CASE_STEM.LP1, ...; CASE_STEM.LOG, the run\n"
+    "log that lfrun keeps, for the iterations) and prints the result summary.\n"
+    "CASE_STEM.MAP, written by mp2lf, gives the buses' numbers in the source\n"
+    "case (column source_bus).\n"
+    "\n"
+    "  --csv DIR    writes buses.csv, branches.csv, transformers.csv,\n"
+    "               generators.csv, loads.csv, dc_lines.csv and areas.csv into DIR:\n"
+    "               a header row, one row per element, numbers in full, bus names\n"
+    "  --html FILE  writes one self-contained page: the summary, plots of the bus\n"
+    "               voltages and angles, the branch loading and the convergence,\n"
+    "               and the tables, sortable by a click on a column heading\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string stem, csv, html;
-  for (int i = 1; i < argc; ++i) {
-    const std::string a = argv[i];
-    if (a == "--help" || a == "-h") return usage(nullptr);
-    if (a == "--csv" || a == "--html") {
-      if (i + 1 >= argc) return usage((a + " needs a path").c_str());
-      (a == "--csv" ? csv : html) = argv[++i];
-    } else if (a.size() > 1 && a[0] == '-') {
-      return usage(("unknown option " + a).c_str());
-    } else if (stem.empty()) {
-      stem = a;
-    } else {
-      return usage("only one case stem, please");
-    }
-  }
-  if (stem.empty()) return usage("no case stem given");
+  std::string csv, html;
+  const auto keep = [](std::string& to) {
+    return [&to](const char* value) {
+      to = value;
+      return std::string();
+    };
+  };
+  const lfcmd::Command command{{"lfreport", kUsage},
+                               {{"--csv", "a path", keep(csv)}, {"--html", "a path", keep(html)}},
+                               1,
+                               "only one case stem, please"};
+  std::vector<std::string> plain;
+  if (int status = lfcmd::parse(command, argc, argv, plain); status >= 0) return status;
+  if (plain.empty()) return lfcmd::problem(command.program, "no case stem given");
+  const std::string& stem = plain[0];
 
   lfres::CaseResults r;
   if (!lfres::read_file_results(stem, r)) {

@@ -1,3 +1,3 @@
 # lfreport reads a case's files back through lfresults; it needs nothing of
 # the engine itself.
-target_link_libraries(lfreport PRIVATE lfresults)
+target_link_libraries(lfreport PRIVATE lfresults lfcmdline)

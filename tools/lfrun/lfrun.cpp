@@ -1,5 +1,5 @@
 // lfrun: runs load-flow calculations on a case and prints the engine's
-// lines.  See usage() for the options.
+// lines.  See kUsage for the options.
 #include <unistd.h>
 
 #include <cstdint>
@@ -9,12 +9,14 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "calclog.hpp"
 #include "cli.h"
+#include "cmdline.hpp"
 #include "dbsession.hpp"
+#include "engine.hpp"
 #include "folder.hpp"
-#include "lfengine.h"
 #include "precheck.hpp"
 
 namespace {
@@ -23,81 +25,77 @@ namespace fs = std::filesystem;
 
 constexpr int kExitConverged = 0;
 constexpr int kExitNotConverged = 1;
-constexpr int kExitUsage = 2;
 constexpr std::size_t kCaseNameWidth = 60;
 
-void usage(std::FILE* out) {
-  std::fputs(
-      "usage: lfrun [options] CASE_STEM\n"
-      "\n"
-      "Runs load-flow calculations on the case whose files are CASE_STEM.L0,\n"
-      "CASE_STEM.L1 and so on, and prints the engine's lines.  lfrun works in the\n"
-      "folder of CASE_STEM: the engine writes its report files (CASE_STEM.LP1, ...)\n"
-      "and its error list LFERR.LIS there, and itself keeps the engine's lines of\n"
-      "the last calculation in CASE_STEM.LOG.  After each calculation it prints a\n"
-      "summary of the results, read back from the report files (or the database).\n"
-      "It locks that folder for the whole run (the file .lfrun.lock there): a\n"
-      "second lfrun in the same folder waits until the first has ended, so that\n"
-      "the two never mix their cases.\n"
-      "\n"
-      "The engine takes the case name from NAME.INC in that folder (second line),\n"
-      "or uses the name LF without one.  lfrun never changes a NAME.INC of yours:\n"
-      "  - no NAME.INC and a stem named LF: nothing is written;\n"
-      "  - no NAME.INC and another name: lfrun writes one for the run and removes\n"
-      "    it afterwards, also when the run is interrupted or terminated; one that\n"
-      "    a run killed outright left behind is replaced;\n"
-      "  - a NAME.INC naming this case: it is used as it stands;\n"
-      "  - a NAME.INC naming another case: lfrun refuses, unless --name-inc is\n"
-      "    given, which replaces that NAME.INC with one naming this case.\n"
-      "\n"
-      "Options:\n"
-      "  --window      bit value 1: show the progress window (Escape stops a\n"
-      "                Newton-type iteration; close the window to end lfrun); without\n"
-      "                a display it is drawn off-screen and closes by itself\n"
-      "  --link        bit value 2: send every line to the status server on\n"
-      "                127.0.0.1 port 9876 (see lfstatus); without a server the\n"
-      "                engine says \"Fail to initialize Socket!\" and goes on\n"
-      "  --no-print    clear bit value 4: the engine prints nothing at all\n"
-      "                (bit value 4 is set by default: lines go to standard output)\n"
-      "  --mode N      N = 2 includes the magnetising branches of transformers;\n"
-      "                any other value leaves them out (default 0)\n"
-      "  --repeat N    runs N calculations one after another (default 1)\n"
-      "  --db FILE     database mode: reads the case from the tables of the database\n"
-      "                file FILE (made by lfdb import) and writes the results back\n"
-      "                into it; no case or report files are used, CASE_STEM still\n"
-      "                names the folder of the run\n"
-      "  --name-inc    replaces a NAME.INC that names another case (see above)\n"
-      "  --quiet       leaves out the result summary that follows each calculation\n"
-      "                (convergence, method, totals, extreme voltages, most loaded\n"
-      "                branches, generators at a reactive limit, time)\n"
-      "  --nonlinear   solves with the nonlinear method (constant Jacobian with the\n"
-      "                exact second-order term) in place of the case's method; its\n"
-      "                iteration table goes to standard output\n"
-      "  --no-check    skips the case check (see below)\n"
-      "  --check-only  checks the case and runs no calculation: exit status 0\n"
-      "                without warnings, 1 with\n"
-      "  --help        shows this text\n"
-      "\n"
-      "Before the calculations lfrun checks the case files strictly and prints a\n"
-      "warning on standard error (\"lfrun: check: ...\") for each thing that the\n"
-      "engine would pass over in silence: a field it cannot read (and how many\n"
-      "records it then uses), counts of CASE_STEM.L0 that differ from the records,\n"
-      "bus numbers outside the case, no slack bus, islands without one, buses\n"
-      "without any branch, branches without impedance, limits the wrong way\n"
-      "round, load types without a parameter set, byte-order marks and other\n"
-      "encodings.  The check changes nothing; in database mode there is none.\n"
-      "\n"
-      "Exit status: 0 when every calculation converged, 1 when one did not (or\n"
-      "was interrupted, or its database could not be read or written), 2 on bad\n"
-      "usage.  A missing mandatory case file or a bus number outside the case\n"
-      "ends the engine with a stop text and status 1.\n",
-      out);
-}
+constexpr const char* kUsage =
+    "usage: lfrun [options] CASE_STEM\n"
+    "\n"
+    "Runs load-flow calculations on the case whose files are CASE_STEM.L0,\n"
+    "CASE_STEM.L1 and so on, and prints the engine's lines.  lfrun works in the\n"
+    "folder of CASE_STEM: the engine writes its report files (CASE_STEM.LP1, ...)\n"
+    "and its error list LFERR.LIS there, and itself keeps the engine's lines of\n"
+    "the last calculation in CASE_STEM.LOG.  After each calculation it prints a\n"
+    "summary of the results, read back from the report files (or the database).\n"
+    "It locks that folder for the whole run (the file .lfrun.lock there): a\n"
+    "second lfrun in the same folder waits until the first has ended, so that\n"
+    "the two never mix their cases.\n"
+    "\n"
+    "The engine takes the case name from NAME.INC in that folder (second line),\n"
+    "or uses the name LF without one.  lfrun never changes a NAME.INC of yours:\n"
+    "  - no NAME.INC and a stem named LF: nothing is written;\n"
+    "  - no NAME.INC and another name: lfrun writes one for the run and removes\n"
+    "    it afterwards, also when the run is interrupted or terminated; one that\n"
+    "    a run killed outright left behind is replaced;\n"
+    "  - a NAME.INC naming this case: it is used as it stands;\n"
+    "  - a NAME.INC naming another case: lfrun refuses, unless --name-inc is\n"
+    "    given, which replaces that NAME.INC with one naming this case.\n"
+    "\n"
+    "Options:\n"
+    "  --window      bit value 1: show the progress window (Escape stops a\n"
+    "                Newton-type iteration; close the window to end lfrun); without\n"
+    "                a display it is drawn off-screen and closes by itself\n"
+    "  --link        bit value 2: send every line to the status server on\n"
+    "                127.0.0.1 port 9876 (see lfstatus); without a server the\n"
+    "                engine says \"Fail to initialize Socket!\" and goes on\n"
+    "  --no-print    clear bit value 4: the engine prints nothing at all\n"
+    "                (bit value 4 is set by default: lines go to standard output)\n"
+    "  --mode N      N = 2 includes the magnetising branches of transformers;\n"
+    "                any other value leaves them out (default 0)\n"
+    "  --repeat N    runs N calculations one after another (default 1)\n"
+    "  --db FILE     database mode: reads the case from the tables of the database\n"
+    "                file FILE (made by lfdb import) and writes the results back\n"
+    "                into it; no case or report files are used, CASE_STEM still\n"
+    "                names the folder of the run\n"
+    "  --name-inc    replaces a NAME.INC that names another case (see above)\n"
+    "  --quiet       leaves out the result summary that follows each calculation\n"
+    "                (convergence, method, totals, extreme voltages, most loaded\n"
+    "                branches, generators at a reactive limit, time)\n"
+    "  --nonlinear   solves with the nonlinear method (constant Jacobian with the\n"
+    "                exact second-order term) in place of the case's method; its\n"
+    "                iteration table goes to standard output\n"
+    "  --no-check    skips the case check (see below)\n"
+    "  --check-only  checks the case and runs no calculation: exit status 0\n"
+    "                without warnings, 1 with\n"
+    "  --help        shows this text\n"
+    "\n"
+    "Before the calculations lfrun checks the case files strictly and prints a\n"
+    "warning on standard error (\"lfrun: check: ...\") for each thing that the\n"
+    "engine would pass over in silence: a field it cannot read (and how many\n"
+    "records it then uses), counts of CASE_STEM.L0 that differ from the records,\n"
+    "bus numbers outside the case, no slack bus, islands without one, buses\n"
+    "without any branch, branches without impedance, limits the wrong way\n"
+    "round, load types without a parameter set, byte-order marks and other\n"
+    "encodings.  The check changes nothing; in database mode there is none.\n"
+    "\n"
+    "Exit status: 0 when every calculation converged, 1 when one did not (or\n"
+    "was interrupted, or its database could not be read or written), 2 on bad\n"
+    "usage.  A missing mandatory case file or a bus number outside the case\n"
+    "ends the engine with a stop text and status 1.\n";
+
+constexpr lfcmd::Program kProgram{"lfrun", kUsage, true};
 
 int bad_usage(const std::string& why) {
-  std::fprintf(stderr, "lfrun: %s\n", why.c_str());
-  std::fputs("Try 'lfrun --help'.\n", stderr);
-  return kExitUsage;
+  return lfcmd::problem(kProgram, why);
 }
 
 bool to_int(const char* text, int& value) {
@@ -128,48 +126,40 @@ struct Options {
 
 // Parses the arguments; returns -1 to go on, else the exit status.
 int parse(int argc, char** argv, Options& o) {
-  for (int i = 1; i < argc; ++i) {
-    std::string a = argv[i];
-    auto value = [&](int& out) {
-      if (i + 1 >= argc || !to_int(argv[i + 1], out)) return false;
-      ++i;
-      return true;
+  const auto flag = [](auto set) {
+    return [set](const char*) {
+      set();
+      return std::string();
     };
-    if (a == "--help" || a == "-h") {
-      usage(stdout);
-      return kExitConverged;
-    } else if (a == "--window") {
-      o.flags |= LF_FLAG_WINDOW;
-    } else if (a == "--link") {
-      o.flags |= LF_FLAG_LINK;
-    } else if (a == "--no-print") {
-      o.flags &= ~LF_FLAG_PRINT;
-    } else if (a == "--quiet") {
-      o.quiet = true;
-    } else if (a == "--no-check") {
-      o.check = false;
-    } else if (a == "--check-only") {
-      o.check_only = true;
-    } else if (a == "--nonlinear") {
-      o.nonlinear = true;
-    } else if (a == "--name-inc") {
-      o.replace_name_inc = true;
-    } else if (a == "--mode") {
-      if (!value(o.mode)) return bad_usage("--mode needs an integer");
-    } else if (a == "--repeat") {
-      if (!value(o.repeat) || o.repeat < 1) return bad_usage("--repeat needs a count of 1 or more");
-    } else if (a == "--db") {
-      if (i + 1 >= argc) return bad_usage("--db needs a database file");
-      o.db = fs::absolute(argv[++i]).string();
-      if (!fs::exists(o.db)) return bad_usage("no database file " + o.db);
-    } else if (a.size() > 1 && a[0] == '-') {
-      return bad_usage("unknown option " + a);
-    } else if (o.stem.empty()) {
-      o.stem = a;
-    } else {
-      return bad_usage("only one case stem, please");
-    }
-  }
+  };
+  const auto count = [](int& to, int least, const char* problem) {
+    return [&to, least, problem](const char* text) {
+      return to_int(text, to) && to >= least ? std::string() : std::string(problem);
+    };
+  };
+  const lfcmd::Command command{
+      kProgram,
+      {{"--window", nullptr, flag([&] { o.flags |= LF_FLAG_WINDOW; })},
+       {"--link", nullptr, flag([&] { o.flags |= LF_FLAG_LINK; })},
+       {"--no-print", nullptr, flag([&] { o.flags &= ~LF_FLAG_PRINT; })},
+       {"--quiet", nullptr, flag([&] { o.quiet = true; })},
+       {"--no-check", nullptr, flag([&] { o.check = false; })},
+       {"--check-only", nullptr, flag([&] { o.check_only = true; })},
+       {"--nonlinear", nullptr, flag([&] { o.nonlinear = true; })},
+       {"--name-inc", nullptr, flag([&] { o.replace_name_inc = true; })},
+       {"--mode", "an integer", count(o.mode, INT32_MIN, "--mode needs an integer")},
+       {"--repeat", "a count of 1 or more",
+        count(o.repeat, 1, "--repeat needs a count of 1 or more")},
+       {"--db", "a database file",
+        [&](const char* file) {
+          o.db = fs::absolute(file).string();
+          return fs::exists(o.db) ? std::string() : "no database file " + o.db;
+        }}},
+      1,
+      "only one case stem, please"};
+  std::vector<std::string> plain;
+  if (int status = lfcmd::parse(command, argc, argv, plain); status >= 0) return status;
+  if (!plain.empty()) o.stem = plain[0];
   if (o.stem.empty()) return bad_usage("no case stem given");
   if (o.check_only && !o.db.empty())
     return bad_usage("--check-only checks case files, not a database");
@@ -201,6 +191,11 @@ int main(int argc, char** argv) {
     if (o.check_only) return warnings == 0 ? kExitConverged : kExitNotConverged;
   }
 
+  Engine engine;
+  if (std::string why; !load_engine(engine, why)) {
+    std::fprintf(stderr, "lfrun: %s\n", why.c_str());
+    return kExitNotConverged;
+  }
   char title[80] = {};
   std::snprintf(title, sizeof title, "Load Flow: %s", fs::path(o.stem).filename().c_str());
   int flags = o.flags;
@@ -208,21 +203,21 @@ int main(int argc, char** argv) {
   if (!o.db.empty() && (session = open_database(o.db)) == 0) return kExitNotConverged;
   intptr_t callback = reinterpret_cast<intptr_t>(&print_line);
   int mode = o.mode;
-  flags = LFInit(&flags, title, &session, &callback, &mode);
+  flags = engine.init(&flags, title, &session, &callback, &mode);
   bool all_converged = true;
   for (int run = 0; run < o.repeat; ++run) {
     int cal_flags = flags | (o.nonlinear ? LF_FLAG_NONLINEAR : 0);
     const std::string name = fs::path(o.stem).filename().string();
     start_calculation(name, o.nonlinear);
     const long writes = session > 0 ? lfcli_writes(session) : 0;
-    const bool converged = LFCal(&cal_flags) == 0;
+    const bool converged = engine.cal(&cal_flags) == 0;
     if (!converged) all_converged = false;
     // In database mode a calculation that wrote nothing has no results to
     // sum up: the tables hold those of an earlier one.
     const bool results = session <= 0 || lfcli_writes(session) > writes;
     finish_calculation(name, o.db, converged, !o.quiet && results);
   }
-  LFFinilize();
+  engine.finish();
   std::fflush(stdout);
   if (session > 0 && !close_database(session, o.db)) {
     std::fprintf(stderr, "lfrun: not solved; nothing written to %s\n", o.db.c_str());

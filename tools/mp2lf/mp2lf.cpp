@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "cmdline.hpp"
 #include "family.hpp"
 #include "mpcase.hpp"
 
@@ -42,7 +43,7 @@ struct Options {
   bool force = false;  // replace an existing case family
 };
 
-const char* kUsage =
+constexpr const char* kUsage =
     "usage: mp2lf CASE.m OUT_STEM [--method N] [--tolerance X] [--iterations N] "
     "[--qlim] [--force]\n"
     "  writes OUT_STEM.L0 .L1 .L2 .L3 .L5 .L6 from a MATPOWER case, and OUT_STEM.MAP:\n"
@@ -55,56 +56,50 @@ const char* kUsage =
     "  --qlim          PV generators get type -2: reactive limits enforced\n"
     "  --force         replace the files of an existing case family\n";
 
-[[noreturn]] void usage(const std::string& why) {
-  std::fprintf(stderr, "mp2lf: %s\n%s", why.c_str(), kUsage);
-  std::exit(2);
-}
-
-int to_int(const std::string& opt, const char* text) {
+// An integer option's value, or a problem text.
+std::string to_int(const std::string& opt, const char* text, int& value) {
   char* end = nullptr;
   long v = std::strtol(text, &end, 10);
   if (*text == '\0' || *end != '\0' || v < -1000000 || v > 1000000)
-    usage(opt + " needs an integer, not '" + text + "'");
-  return static_cast<int>(v);
+    return opt + " needs an integer, not '" + text + "'";
+  value = static_cast<int>(v);
+  return {};
 }
 
-Options options(int argc, char** argv) {
-  Options o;
-  std::vector<std::string> plain;
-  for (int a = 1; a < argc; ++a) {
-    const std::string arg = argv[a];
-    auto next = [&]() -> const char* {
-      if (a + 1 >= argc) usage(arg + " needs a value");
-      return argv[++a];
+// Walks the arguments into o; returns -1 to go on, else the exit status.
+int options(int argc, char** argv, Options& o) {
+  const auto flag = [](bool& to) {
+    return [&to](const char*) {
+      to = true;
+      return std::string();
     };
-    if (arg == "--help" || arg == "-h") {
-      std::fputs(kUsage, stdout);
-      std::exit(0);
-    } else if (arg == "--method") {
-      o.method = to_int(arg, next());
-    } else if (arg == "--iterations") {
-      o.iterations = to_int(arg, next());
-      if (o.iterations < 1) usage("--iterations must be at least 1");
-    } else if (arg == "--tolerance") {
-      const char* t = next();
-      char* end = nullptr;
-      o.tolerance = std::strtod(t, &end);
-      if (*t == '\0' || *end != '\0' || !(o.tolerance > 0) || !std::isfinite(o.tolerance))
-        usage("--tolerance needs a positive number, not '" + std::string(t) + "'");
-    } else if (arg == "--qlim") {
-      o.qlim = true;
-    } else if (arg == "--force") {
-      o.force = true;
-    } else if (arg.size() > 1 && arg[0] == '-') {
-      usage("unknown option " + arg);
-    } else {
-      plain.push_back(arg);
-    }
-  }
-  if (plain.size() != 2) usage("give one case file and one output stem");
+  };
+  const lfcmd::Command command{
+      {"mp2lf", kUsage},
+      {{"--method", "a value", [&](const char* t) { return to_int("--method", t, o.method); }},
+       {"--iterations", "a value",
+        [&](const char* t) {
+          std::string why = to_int("--iterations", t, o.iterations);
+          if (why.empty() && o.iterations < 1) why = "--iterations must be at least 1";
+          return why;
+        }},
+       {"--tolerance", "a value",
+        [&](const char* t) {
+          char* end = nullptr;
+          o.tolerance = std::strtod(t, &end);
+          if (*t == '\0' || *end != '\0' || !(o.tolerance > 0) || !std::isfinite(o.tolerance))
+            return "--tolerance needs a positive number, not '" + std::string(t) + "'";
+          return std::string();
+        }},
+       {"--qlim", nullptr, flag(o.qlim)},
+       {"--force", nullptr, flag(o.force)}}};
+  std::vector<std::string> plain;
+  if (int status = lfcmd::parse(command, argc, argv, plain); status >= 0) return status;
+  if (plain.size() != 2)
+    return lfcmd::problem(command.program, "give one case file and one output stem");
   o.input = plain[0];
   o.stem = plain[1];
-  return o;
+  return -1;
 }
 
 // A real in the shortest form that reads back to the same double; an
@@ -317,7 +312,8 @@ void warn(const Output& out) {
 
 int main(int argc, char** argv) {
   using namespace mp2lf;
-  const Options o = options(argc, argv);
+  Options o;
+  if (int status = options(argc, argv, o); status >= 0) return status;
   std::ifstream in(o.input, std::ios::binary);
   if (!in) {
     std::fprintf(stderr, "mp2lf: cannot open %s\n", o.input.c_str());

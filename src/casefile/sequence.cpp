@@ -1,0 +1,33 @@
+#include "casefile/sequence.hpp"
+
+#include <cstdint>
+
+#include "casefile/checks.hpp"
+#include "casefile/indexcheck.hpp"
+#include "store/store.hpp"
+
+namespace lf {
+
+void read_case(CaseSource& source) {
+  source.control();
+  clamp_counts();
+  if (source.ok() && LFINF.nbus > 0) source.buses();
+  if (source.ok() && LFINF.nacline + LFINF.ntrans > 0) source.branches();
+  if (source.ok() && LFINF.ndcline > 0) source.dc_lines();
+  if (source.ok() && LFINF.ngenerat > 0) source.generators();
+  if (source.ok() && LFINF.nload > 0) source.loads();
+  if (source.ok() && LFINF.narea > 0) source.areas();
+  if (source.ok() && LF93.ctrl_fact > 0) {
+    source.factors();
+    if (source.ok() && LF93.ctrl_fact > 0) chpq();
+  }
+  if (source.ok() && LF93.ctrl_sub > 0) source.switches();
+  int32_t flag = 0;
+  if (source.ok() && LFINF.nload > 0) isrlib(flag);
+  if (source.ok() && flag > 0) source.load_library();
+  if (source.ok() && LFINF.nload > 0) check_load_types(source.load_origin());
+  NO.nbranch = LFINF.nacline + LFINF.ntrans;
+  NO.ndc = LFINF.ndcline;
+}
+
+}  // namespace lf

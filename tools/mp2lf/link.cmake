@@ -1,0 +1,2 @@
+# mp2lf needs nothing of the engine; its options are walked by lfcmdline.
+target_link_libraries(${tool} PRIVATE lfcmdline)
