@@ -1,5 +1,6 @@
 // The four functions that a host calls: LFInit once, LFCal and LFPstring in
 // any number, LFFinilize once at the end.
+#include <cstddef>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -21,6 +22,14 @@ constexpr int32_t kLinkUp = 1;    // body of the status message at start
 constexpr int32_t kLinkDown = 2;  // body of the status message at the end
 constexpr int32_t kLogDialog = 101;
 constexpr int32_t kLogControl = 1002;
+constexpr int kModeMagnetising = 2;      // LFInit's mode that counts the magnetising branches
+constexpr std::size_t kTitleWidth = 80;  // the window title: 80 bytes, blank padded
+
+// The progress window: placed at (380, 70) of an 800 x 600 screen, scaled to
+// the real one, 350 by 450 pixels, with the toolkit's style flags and kind.
+constexpr int32_t kWindowX = 380, kWindowY = 70, kDesignWidth = 800, kDesignHeight = 600;
+constexpr int32_t kWindowWidth = 350, kWindowHeight = 450;
+constexpr int32_t kWindowFlags = 5, kWindowKind = 30001;
 
 void send_status(int32_t value) {
   int32_t status = 0;
@@ -30,23 +39,23 @@ void send_status(int32_t value) {
 // Makes the bytes from the NUL to the end of an 80-byte text blanks, in
 // place; a text without a NUL is left as it is.  Returns its first 80 bytes.
 std::string_view blank_pad(char* text) {
-  if (void* nul = std::memchr(text, '\0', 80)) {
+  if (void* nul = std::memchr(text, '\0', kTitleWidth)) {
     char* p = static_cast<char*>(nul);
-    std::memset(p, ' ', static_cast<std::size_t>(text + 80 - p));
+    std::memset(p, ' ', static_cast<std::size_t>(text + kTitleWidth - p));
   }
-  return std::string_view(text, 80);
+  return std::string_view(text, kTitleWidth);
 }
 
 void open_window(char* title) {
   WInitialise(" ");
   const int32_t w = WInfoScreen(1), h = WInfoScreen(2);
   WindowDescription d;
-  d.flags = 5;
-  d.x = 380 * w / 800;
-  d.y = 70 * h / 600;
-  d.width = 350;
-  d.height = 450;
-  d.kind = 30001;
+  d.flags = kWindowFlags;
+  d.x = kWindowX * w / kDesignWidth;
+  d.y = kWindowY * h / kDesignHeight;
+  d.width = kWindowWidth;
+  d.height = kWindowHeight;
+  d.kind = kWindowKind;
   d.title = blank_pad(title);
   WindowOpen(d);
   WindowFont({1, 0, 0, 0, 0, 0, -1, -1});
@@ -77,7 +86,7 @@ int init(int* flags, char* title, int* session, intptr_t* callback, int* mode) {
   mdisplay = (*flags & LF_FLAG_WINDOW) ? 1 : 0;
   prnfunc = *callback;
   prnon = (*flags & LF_FLAG_PRINT) ? 1 : 0;
-  RMXMVALID = *mode == 2 ? 1 : 0;
+  RMXMVALID = *mode == kModeMagnetising ? 1 : 0;
   if (mdisplay != 0) open_window(title);
   socket = 0;
   if (*flags & LF_FLAG_LINK) {

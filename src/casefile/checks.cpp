@@ -27,9 +27,11 @@ bool name_matches(const BusName& bus, int32_t bus_len, const AreaName& pattern, 
   if (len > bus_len) return false;
   const int32_t start = at_own_len ? bus_len : len;
   for (int32_t c = 0; c < len; ++c) {
-    const int32_t p = 10 - len + c;   // 0-based, within the first ten of the pattern
-    const int32_t b = start - 1 + c;  // 0-based, within the bus name
-    if (p < 0 || b < 0 || b >= 20 || pattern[p] != bus[b]) return false;
+    // 0-based, within the pattern's characters and within the bus name
+    const int32_t p = static_cast<int32_t>(AreaName::size()) - len + c;
+    const int32_t b = start - 1 + c;
+    if (p < 0 || b < 0 || b >= static_cast<int32_t>(BusName::size()) || pattern[p] != bus[b])
+      return false;
   }
   return true;
 }
@@ -101,7 +103,8 @@ void vstand(double kv, int32_t& level) {
 
 void lcha(const BusName& name, int32_t& length) {
   length = 0;
-  for (int32_t c = 19; c >= 0 && name[c] != ' '; --c) ++length;
+  for (int32_t c = static_cast<int32_t>(BusName::size()) - 1; c >= 0 && name[c] != ' '; --c)
+    ++length;
 }
 
 void chpq() {

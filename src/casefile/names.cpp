@@ -7,6 +7,14 @@
 
 namespace lf {
 
+namespace {
+// The lines of NAME.INC that name the case, the load parameter library and
+// the model library, from 1.
+constexpr int kCaseLine = 2;
+constexpr int kLoadLibraryLine = 4;
+constexpr int kModelLibraryLine = 9;
+}  // namespace
+
 void read_names() {
   casename = "LF";
   datalibname = "DATALIB";
@@ -16,11 +24,11 @@ void read_names() {
   // Line 1 holds a number that nothing uses; lines 3 and 5 to 8 are not
   // looked at.  A name line missing from a short file keeps its default.
   std::string line;
-  for (int n = 1; n <= 9 && in.line(line); ++n) {
-    std::string_view first60 = std::string_view(line).substr(0, 60);
-    if (n == 2) casename = first60;
-    if (n == 4) datalibname = first60;
-    if (n == 9) udlibname = first60;
+  for (int n = 1; n <= kModelLibraryLine && in.line(line); ++n) {
+    const std::string_view name = std::string_view(line).substr(0, CaseName::size());
+    if (n == kCaseLine) casename = name;
+    if (n == kLoadLibraryLine) datalibname = name;
+    if (n == kModelLibraryLine) udlibname = name;
   }
 }
 

@@ -19,8 +19,9 @@ namespace lf {
 
 namespace {
 
-// Below this a ratio counts as 1.
-constexpr double kMinRatio = 0.0001;
+// Below this a ratio counts as 1 in the models' branch currents: their own
+// floor, larger on purpose than the one the admittance matrix uses.
+constexpr double kMinRatioOfModels = 0.0001;
 // The bus type that output code 15 stores is pushed by this before it is
 // rounded; the test of the stored type afterwards pushes by the larger
 // kTypePushTest.  The two differ on purpose.
@@ -92,7 +93,7 @@ void resolve(int32_t i, int32_t n, int32_t& loc1, int32_t& loc2) {
 
 void aiap(int32_t side, double r, double x, double& k, double b, double e1, double f1, double e2,
           double f2, double& ir, double& ii) {
-  if (std::fabs(k) < kMinRatio) k = 1;
+  if (std::fabs(k) < kMinRatioOfModels) k = 1;
   const double a = e1 * k - e2, b2 = f1 * k - f2;
   double z = (x * x + r * r) * k;
   if (std::fabs(z) < kTinyDivisor) z = z >= 0 ? kTinyDivisor : -kTinyDivisor;

@@ -91,7 +91,7 @@ void iterate(int32_t& convergent) {
       return;
     }
     adjare(adjflag);
-    if (adjflag != 1) return;
+    if (adjflag != kAreasMoved) return;
   }
 }
 

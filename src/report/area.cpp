@@ -69,7 +69,7 @@ int32_t regulating_generator(int32_t rec) {
 }
 
 void adjare(int32_t& flag) {
-  flag = 0;
+  flag = kAreasWithin;
   AREA.PACT.fill(0);
   AREA.PACT[0] = 0;  // area 0 counts too: nothing of an earlier call may stay
 
@@ -99,7 +99,7 @@ void adjare(int32_t& flag) {
   for (int32_t i = 1; i <= n && !outside; ++i) outside = std::fabs(deviation(i)) > LL7.tolerance[i];
 
   if (outside) {
-    flag = 1;
+    flag = kAreasMoved;
     for (int32_t i = 1; i <= n; ++i) {
       const double d = deviation(i);
       const int32_t g = regulating_generator(i);
@@ -108,7 +108,7 @@ void adjare(int32_t& flag) {
         const bool known = unit >= 1 && static_cast<std::size_t>(unit) <= NNTOON.map.size();
         wstring("***** Warning *****");
         wstring("   Area No.= " + fmt_i(i, 2) + "   Regulating Generator" +
-                (known ? L1.busname[NNTOON[unit]].str() : std::string(20, ' ')) +
+                (known ? L1.busname[NNTOON[unit]].str() : std::string(BusName::size(), ' ')) +
                 "  Is not Exist !");
         continue;
       }
@@ -116,12 +116,12 @@ void adjare(int32_t& flag) {
       if (!(L5.P[g] >= 0.0))
         output_warning(" Regulating Generator Output Is Negative", i, L5.P[g], "");
       if (!(L5.P[g] <= LL7.pmax[i])) {
-        flag = 2;
+        flag = kAreasOverLimit;
         output_warning(" Regulating Generator Output Is Over Limit", i, L5.P[g],
                        "     PMAX=" + fmt_f(LL7.pmax[i], 7, 2));
       }
     }
-    if (flag == 2) {  // one area over its limit takes back the changes of all
+    if (flag == kAreasOverLimit) {  // one area over its limit takes back the changes of all
       for (int32_t i = 1; i <= n; ++i)
         if (const int32_t g = regulating_generator(i); g > 0) L5.P[g] -= deviation(i);
     }

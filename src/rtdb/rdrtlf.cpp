@@ -303,17 +303,30 @@ void rdrtdc() {
   close_pass(p);
 }
 
+namespace {
+
+// The rows of the generator or load table into rec and lp: bus, type, set
+// values, limits and control data, with keep(k) for what only that kind
+// keeps; grow makes room for a row.  Gives the count kept.
+template <typename Row, typename Rec, typename Keep>
+int32_t read_units(TablePass& p, const Row& row, Rec& rec, LPRec& lp, void (*grow)(std::size_t),
+                   Keep keep) {
+  return walk_kept(p, row, [&](int32_t k) {
+    if (!bus_ok(p, row.ibs)) return;
+    if (static_cast<std::size_t>(k) > rec.P.size()) grow(2 * static_cast<std::size_t>(k));
+    store_setpoint(rec, k, row);
+    keep(k);
+    store_limits(lp, k, row);
+  });
+}
+
+}  // namespace
+
 void rdrtgen() {
   un_row u;
   TablePass p = open_pass("select * from un", u, bindun, "Bindun failed!", Say::Print,
                           cli_view_only, "Rdun: cli_fetch failed with code", 0);
-  LFINF.ngenerat = walk_kept(p, u, [&](int32_t g) {
-    if (!bus_ok(p, u.ibs)) return;
-    if (static_cast<std::size_t>(g) > L5.P.size()) grow_generators(2 * static_cast<std::size_t>(g));
-    store_setpoint(L5, g, u);
-    L5.merged[g] = 0;
-    store_limits(L5P, g, u);
-  });
+  LFINF.ngenerat = read_units(p, u, L5, L5P, grow_generators, [](int32_t g) { L5.merged[g] = 0; });
   close_pass(p);
 }
 
@@ -321,13 +334,7 @@ void rdrtload() {
   ld_row l;
   TablePass p = open_pass("select * from ld", l, bindld, "Bindld failed!", Say::Print,
                           cli_view_only, "Rdld: cli_fetch failed with code", 0);
-  LFINF.nload = walk_kept(p, l, [&](int32_t d) {
-    if (!bus_ok(p, l.ibs)) return;
-    if (static_cast<std::size_t>(d) > L6.P.size()) grow_loads(2 * static_cast<std::size_t>(d));
-    store_setpoint(L6, d, l);
-    L6.No[d] = l.ldno;
-    store_limits(L6P, d, l);
-  });
+  LFINF.nload = read_units(p, l, L6, L6P, grow_loads, [&](int32_t d) { L6.No[d] = l.ldno; });
   close_pass(p);
   set_loadshare();
 }

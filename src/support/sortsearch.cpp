@@ -27,30 +27,6 @@ static int32_t& at(int32_t* a, int32_t i) {
   return a[i - 1];
 }
 
-int32_t quicksorticut(int32_t* a, int32_t l, int32_t r) {
-  int32_t v = at(a, l);
-  int32_t m = l;
-  for (int32_t i = l + 1; i <= r; ++i) {
-    if (v > at(a, i)) {
-      ++m;
-      if (m != i) swapi(at(a, m), at(a, i));
-    }
-  }
-  if (m != l) swapi(at(a, l), at(a, m));
-  return m;
-}
-
-void rquicksorti(int32_t* a, int32_t l, int32_t r) {
-  if (l >= r) return;
-  int32_t q = quicksorticut(a, l, r);
-  rquicksorti(a, l, q - 1);
-  rquicksorti(a, q + 1, r);
-}
-
-void quicksorti(int32_t n, int32_t* a) {
-  rquicksorti(a, 1, n);
-}
-
 int32_t quicksorticutp(int32_t* a, int32_t l, int32_t r, int32_t* p) {
   int32_t v = at(a, l);
   int32_t m = l;
@@ -59,15 +35,19 @@ int32_t quicksorticutp(int32_t* a, int32_t l, int32_t r, int32_t* p) {
       ++m;
       if (m != i) {
         swapi(at(a, m), at(a, i));
-        swapi(at(p, m), at(p, i));
+        if (p != nullptr) swapi(at(p, m), at(p, i));
       }
     }
   }
   if (m != l) {
     swapi(at(a, l), at(a, m));
-    swapi(at(p, l), at(p, m));
+    if (p != nullptr) swapi(at(p, l), at(p, m));
   }
   return m;
+}
+
+int32_t quicksorticut(int32_t* a, int32_t l, int32_t r) {
+  return quicksorticutp(a, l, r, nullptr);
 }
 
 void rquicksortip(int32_t* a, int32_t l, int32_t r, int32_t* p) {
@@ -75,6 +55,14 @@ void rquicksortip(int32_t* a, int32_t l, int32_t r, int32_t* p) {
   int32_t q = quicksorticutp(a, l, r, p);
   rquicksortip(a, l, q - 1, p);
   rquicksortip(a, q + 1, r, p);
+}
+
+void rquicksorti(int32_t* a, int32_t l, int32_t r) {
+  rquicksortip(a, l, r, nullptr);
+}
+
+void quicksorti(int32_t n, int32_t* a) {
+  rquicksorti(a, 1, n);
 }
 
 void quicksortip(int32_t n, int32_t* a, int32_t* p) {

@@ -26,6 +26,8 @@ void rquicksorti(int32_t* a, int32_t l, int32_t r);
 int32_t quicksorticut(int32_t* a, int32_t l, int32_t r);
 
 // As quicksorti, and p(i) ends as the original place of the element now at i.
+// The range forms move p(l..r) with a(l..r); without p (nullptr) they are
+// the forms above.
 void quicksortip(int32_t n, int32_t* a, int32_t* p);
 void rquicksortip(int32_t* a, int32_t l, int32_t r, int32_t* p);
 int32_t quicksorticutp(int32_t* a, int32_t l, int32_t r, int32_t* p);
