@@ -6,6 +6,9 @@
 //   dropcol TABLE COLUMN     removes a column
 // Damaged tables are made anew for the next input.  Then the case is read
 // from the database through the client interface, as a calculation does.
+// The database lives in memory, shared by the target's connection and the
+// client's session, and every statement the target runs is prepared once:
+// an input then costs the reading itself, not file writes and SQL parsing.
 #include <sqlite3.h>
 
 #include <cstddef>
@@ -16,6 +19,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli.h"
@@ -33,18 +37,21 @@ struct Db {
   std::map<std::string, std::string> create;  // table: its CREATE statement
   std::map<std::string, std::set<std::string>> columns;
   std::set<std::string> damaged;
+  std::map<std::string, sqlite3_stmt*> prepared;  // SQL text: its statement, kept
 };
 
 Db& database() {
   static Db d = [] {
     Db d;
-    const std::string file = lf::fuzz::scratch() + "/fuzz.db";
-    std::remove(file.c_str());
+    lf::fuzz::scratch();
+    // One database in memory, named so that the client's session opens the
+    // same one.
+    sqlite3_config(SQLITE_CONFIG_URI, 1);
+    const std::string file = "file:lffz" + std::to_string(::getpid()) + "?mode=memory&cache=shared";
     std::ifstream in(LF_SCHEMA_FILE);
     std::stringstream schema;
     schema << in.rdbuf();
     sqlite3_open(file.c_str(), &d.db);
-    sqlite3_exec(d.db, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr);
     sqlite3_exec(d.db, schema.str().c_str(), nullptr, nullptr, nullptr);
     for (const char* t : kTables) {
       sqlite3_stmt* q = nullptr;
@@ -66,8 +73,32 @@ Db& database() {
   return d;
 }
 
-void exec(sqlite3* db, const std::string& sql) {
-  sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr);
+// The statement for sql, prepared on first use (null if it does not
+// prepare, a missing table say).
+sqlite3_stmt* statement(Db& d, const std::string& sql) {
+  if (d.prepared.size() > 4096) {  // bounded: inserts name ever new column lists
+    for (auto& [text, q] : d.prepared) sqlite3_finalize(q);
+    d.prepared.clear();
+  }
+  auto [at, added] = d.prepared.try_emplace(sql, nullptr);
+  if (!at->second && sqlite3_prepare_v2(d.db, sql.c_str(), -1, &at->second, nullptr) != SQLITE_OK)
+    sqlite3_finalize(std::exchange(at->second, nullptr));
+  return at->second;
+}
+
+// Runs a statement without parameters; a schema change (drop, dropcol) goes
+// through plain exec, and forgets the statements prepared on the old tables.
+void exec(Db& d, const std::string& sql, bool changes_schema = false) {
+  if (changes_schema) {
+    for (auto& [text, q] : d.prepared) sqlite3_finalize(q);
+    d.prepared.clear();
+    sqlite3_exec(d.db, sql.c_str(), nullptr, nullptr, nullptr);
+    return;
+  }
+  if (sqlite3_stmt* q = statement(d, sql)) {
+    sqlite3_step(q);
+    sqlite3_reset(q);
+  }
 }
 
 void bind(sqlite3_stmt* q, int k, const std::string& v) {
@@ -100,25 +131,25 @@ void insert(Db& d, const std::string& t, std::istringstream& words) {
     }
     sql += " (" + cols + ") VALUES (" + marks + ")";
   }
-  sqlite3_stmt* q = nullptr;
-  if (sqlite3_prepare_v2(d.db, sql.c_str(), -1, &q, nullptr) == SQLITE_OK) {
+  if (sqlite3_stmt* q = statement(d, sql)) {
     for (std::size_t k = 0; k < values.size(); ++k) bind(q, static_cast<int>(k + 1), values[k]);
     sqlite3_step(q);
+    sqlite3_reset(q);
+    sqlite3_clear_bindings(q);
   }
-  sqlite3_finalize(q);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   Db& d = database();
-  exec(d.db, "BEGIN");
+  exec(d, "BEGIN");
   for (const auto& [t, sql] : d.create) {
     if (d.damaged.count(t)) {
-      exec(d.db, "DROP TABLE IF EXISTS \"" + t + "\"");
-      exec(d.db, sql);
+      exec(d, "DROP TABLE IF EXISTS \"" + t + "\"", true);
+      exec(d, sql, true);
     } else {
-      exec(d.db, "DELETE FROM \"" + t + "\"");
+      exec(d, "DELETE FROM \"" + t + "\"");
     }
   }
   d.damaged.clear();
@@ -129,16 +160,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     std::string op, t, c;
     words >> op;
     if (op == "drop" && words >> t && d.create.count(t)) {
-      exec(d.db, "DROP TABLE \"" + t + "\"");
+      exec(d, "DROP TABLE \"" + t + "\"", true);
       d.damaged.insert(t);
     } else if (op == "dropcol" && words >> t >> c && d.columns[t].count(c)) {
-      exec(d.db, "ALTER TABLE \"" + t + "\" DROP COLUMN \"" + c + "\"");
+      exec(d, "ALTER TABLE \"" + t + "\" DROP COLUMN \"" + c + "\"", true);
       d.damaged.insert(t);
     } else if (d.create.count(op)) {
       insert(d, op, words);
     }
   }
-  exec(d.db, "COMMIT");
+  exec(d, "COMMIT");
   try {
     lf::rdrtlf();
   } catch (const lf::fuzz::Stopped&) {
