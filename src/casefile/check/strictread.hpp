@@ -22,7 +22,8 @@ struct Record {
   int32_t group = 0;               // .L13: the group (substation bus) it belongs to
   std::vector<int32_t> ints;       // integer fields (0 at other positions)
   std::vector<double> reals;       // real fields (0 at other positions)
-  std::vector<std::string> texts;  // text fields (empty at other positions)
+  std::vector<std::string> texts;  // text fields (empty at other positions; none at all
+                                   // in a layout without text fields)
 };
 
 struct FileRead {
