@@ -17,9 +17,10 @@ namespace lf {
 
 using BlockName = Text<10>;  // name under which a block's output is recorded
 
-// One source row of a model instance: a row of the .L9 file or a row that
-// the control fields of a generator, load, line or transformer made
-// (rudlf writes; the evaluation reads the values and the first bus).
+// One source row of a model instance, by row 1..count: a row of the .L9
+// file or a row that the control fields of a generator, load, line or
+// transformer made (rudlf writes; fmlfar, the evaluation and the model
+// output read the values and the buses).
 struct S9Rec {
   Arr<int32_t> S9NO;                    // model number in the data (the model type is 6000 + this)
   Arr<int32_t> S9GRP;                   // parameter group as given (0 means 1)
@@ -32,14 +33,17 @@ struct S9Rec {
                       // made; cleared and counted by rudlf, which stores NU.nl9 from it
 };
 
+// The set values of each source row, by the same row as S9 (rudlf writes;
+// fmlfin reads them for input codes 10-12).
 struct L9Rec {
   Arr<double> L9P0, L9Q0, L9V0;  // the row's P0, Q0, V0: input codes 10, 11, 12, per unit
   Arr<int32_t> L9BUS;            // = S9B1, the key by which input codes 10-12 find the row
 };
 
-// Per instance, and per location entry.  A location entry is a pair: LOCA
-// > 0 an external bus number with LOCB 0, or LOCA < 0 a line number negated
-// with LOCB its side.
+// Per instance 1..nud, and per location entry from 1.  A location entry is a
+// pair: LOCA > 0 an external bus number with LOCB 0, or LOCA < 0 a line
+// number negated with LOCB its side.  Read by fmlfar, the evaluation
+// (resolve) and the model output.
 struct UDRRec {
   Arr<int32_t> LOCA, LOCB;  // per location entry (rudlf)
   Arr<int32_t> UDTYPE;      // model number, 6000 + S9NO (rudlf)
@@ -53,16 +57,18 @@ struct UDRRec {
   Arr<int32_t> PARFST;          // first parameter in NUPA
 };
 
-// Input bindings (fmlfar): the network quantity with signed code C at
-// location L goes into input 1 or 2 of block B.
+// Input bindings (fmlfar writes; the evaluation reads): the network
+// quantity with signed code C at location L goes into input 1 or 2 of
+// block B.  Bindings count from 1, in instance order; B is a block of UDB.
 struct UDINRec {
   Arr<int32_t> IN1L, IN1C, IN1B;  // per first-input binding
   Arr<int32_t> IN2CNT, IN2FST;    // per instance: its second-input bindings
   Arr<int32_t> IN2L, IN2C, IN2B;  // per second-input binding
 };
 
-// Output bindings (fmlfar): the output of block B acts with signed code C
-// at location L.
+// Output bindings (fmlfar writes; the evaluation reads), from 1 in
+// instance order: the output of block B acts with signed code C at
+// location L.
 struct UDOURec {
   Arr<int32_t> OUL, OUC, OUB;
 };
@@ -98,12 +104,13 @@ struct DTBADRec {
   Arr<BlockName> OUTNAM;             // DTBADP: name to record the output under, blank none
 };
 
-// Interface variables written by output codes 201-210 (the pass of
-// iteration 0 records which), saved to TMUD.DAT.
+// Interface variables written by output codes 201-210, by request from 1:
+// the evaluation's pass of iteration 0 records which; the model output
+// saves them to TMUD.DAT.
 struct TMPUDRec {
   Arr<int32_t> TMPBUS;  // external bus number
-  Arr<int32_t> TMPCOD;  // code minus 200
-  int32_t count = 0;    // ITMPUD
+  Arr<int32_t> TMPCOD;  // code minus 200, 1-10
+  int32_t count = 0;    // requests recorded (ITMPUD)
 };
 
 extern S9Rec S9;
@@ -116,12 +123,16 @@ extern TYPEIRec TYPEI;
 extern DTBADRec DTBAD;
 extern Arr2<double> DTDEE;  // parameter groups: row = TYFCOL + group - 1, column = value number
 extern TMPUDRec TMPUD;
-// Ten free interface variables per internal bus, BINTFA[0] .. BINTFA[9]
-// for codes 201 .. 210; zeroed by inilf.
+// Ten free interface variables per internal bus (from 1), BINTFA[0] ..
+// BINTFA[9] for codes 201 .. 210, in the unit the models give them; zeroed
+// by inilf, written by output codes 201-210 (fmlfot), read by input codes
+// 201-210 (fmlfin) and the model output.
 extern std::array<Arr<double>, 10> BINTFA;
-// Names of the FL<n>.DAT files named so far, over all calculations.
+// Names of the FL<n>.DAT table files named so far, from 1, over all
+// calculations of the run; inifudlf adds names, openfl and closefl open and
+// close them.
 extern Arr<Text<10>> FUDLF;
-extern int32_t IFUDLF;
+extern int32_t IFUDLF;  // names in FUDLF
 
 // Index of a model number in the planes of TYPEI, or -1 outside them.
 int32_t typei_key(int32_t model);

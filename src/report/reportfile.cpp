@@ -1,6 +1,7 @@
 #include "report/reportfile.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 #include "support/fmt.hpp"
 #include "support/stop.hpp"
@@ -14,37 +15,63 @@ constexpr std::size_t kFlushAt = std::size_t{1} << 18;
 
 }  // namespace
 
-ReportFile::ReportFile(const std::string& path, Mode mode) {
+ReportFile::ReportFile(const std::string& path, Mode mode)
+    : buf_(new char[kFlushAt + 512]), capacity_(kFlushAt + 512) {
   if (mode == kNew) std::remove(path.c_str());
   f_ = std::fopen(path.c_str(), "w");
   if (!f_ && mode == kNew) stop_run("Can't open file " + path);
-  buf_.reserve(kFlushAt + 512);
 }
 
 ReportFile::~ReportFile() {
   if (!f_) return;
-  std::fwrite(buf_.data(), 1, buf_.size(), f_);
+  std::fwrite(buf_.get(), 1, used_, f_);
   std::fclose(f_);
 }
 
+char* ReportFile::room(std::size_t n) {
+  if (used_ + n > capacity_) {
+    const std::size_t grown = std::max(2 * capacity_, used_ + n);
+    std::unique_ptr<char[]> more(new char[grown]);
+    std::memcpy(more.get(), buf_.get(), used_);
+    buf_ = std::move(more);
+    capacity_ = grown;
+  }
+  return buf_.get() + used_;
+}
+
 void ReportFile::put(std::string_view line) {
-  buf_ += line;
+  text(line);
   end_line();
 }
 
+void ReportFile::text(std::string_view s) {
+  std::memcpy(room(s.size()), s.data(), s.size());
+  used_ += s.size();
+}
+
 void ReportFile::ints(std::initializer_list<long long> v, int w) {
-  add_i(buf_, v, w);
+  char* p = room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
+  for (long long x : v) {
+    p = put_i(p, x, w);
+    *p++ = ',';
+  }
+  used_ = static_cast<std::size_t>(p - buf_.get());
 }
 
 void ReportFile::reals(std::initializer_list<double> v, int w, int d) {
-  add_f(buf_, v, w, d);
+  char* p = room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
+  for (double x : v) {
+    p = put_f(p, x, w, d);
+    *p++ = ',';
+  }
+  used_ = static_cast<std::size_t>(p - buf_.get());
 }
 
 void ReportFile::end_line() {
-  buf_ += '\n';
-  if (buf_.size() < kFlushAt) return;
-  if (f_) std::fwrite(buf_.data(), 1, buf_.size(), f_);
-  buf_.clear();
+  *room(1) = '\n';
+  if (++used_ < kFlushAt) return;
+  if (f_) std::fwrite(buf_.get(), 1, used_, f_);
+  used_ = 0;
 }
 
 void add_i(std::string& out, std::initializer_list<long long> v, int w) {

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -27,13 +28,17 @@ class ReportFile {
   // Fields of the line being built, each closed by a comma, and text as it stands.
   void ints(std::initializer_list<long long> v, int w);       // Iw,
   void reals(std::initializer_list<double> v, int w, int d);  // Fw.d,
-  void text(std::string_view s) { buf_ += s; }
+  void text(std::string_view s);
   // Ends the line being built.
   void end_line();
 
  private:
+  // Where n more characters go, with room made for them.
+  char* room(std::size_t n);
   std::FILE* f_ = nullptr;
-  std::string buf_;  // lines not yet written
+  std::unique_ptr<char[]> buf_;  // lines not yet written
+  std::size_t capacity_ = 0;     // characters buf_ has room for
+  std::size_t used_ = 0;         // characters in buf_
 };
 
 // Fields of a report line: each one closed by a comma.

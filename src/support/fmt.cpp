@@ -41,19 +41,42 @@ bool not_finite(std::string& out, double v, int w) {
   return true;
 }
 
+// 10^k for k = 0..19, all that fit in 64 bits.
+constexpr auto kPow10 = [] {
+  std::array<uint64_t, 20> t{};
+  uint64_t p = 1;
+  for (uint64_t& x : t) {
+    x = p;
+    p *= 10;
+  }
+  return t;
+}();
+
+// The two digits of each number 0..99, in order.
+constexpr auto kDigitPairs = [] {
+  std::array<char, 200> t{};
+  for (int k = 0; k < 100; ++k) {
+    t[2 * k] = static_cast<char>('0' + k / 10);
+    t[2 * k + 1] = static_cast<char>('0' + k % 10);
+  }
+  return t;
+}();
+
+// Writes the last n decimal digits of x (leading zeros included) to the n
+// characters before p, two at a time; returns where they begin.
+char* digits_before(char* p, uint64_t x, int n) {
+  for (; n >= 2; n -= 2, x /= 100) {
+    p -= 2;
+    std::memcpy(p, &kDigitPairs[2 * (x % 100)], 2);
+  }
+  if (n == 1) *--p = static_cast<char>('0' + x % 10);
+  return p;
+}
+
 // v * 10^d correctly rounded (ties to even) to an integer, when v is not
 // huge, d <= 19 and the result fits in 64 bits: v = m * 2^e exactly, so
 // m * 10^d fits in 128 bits and the bits shifted out decide the rounding.
 bool scaled_round(double v, int d, uint64_t& q) {
-  static constexpr auto kPow10 = [] {
-    std::array<uint64_t, 20> t{};
-    uint64_t p = 1;
-    for (uint64_t& x : t) {
-      x = p;
-      p *= 10;
-    }
-    return t;
-  }();
   const uint64_t bits = std::bit_cast<uint64_t>(v) & ~(uint64_t{1} << 63);
   const int biased = static_cast<int>(bits >> 52);
   const uint64_t frac = bits & ((uint64_t{1} << 52) - 1);
@@ -76,48 +99,14 @@ bool scaled_round(double v, int d, uint64_t& q) {
 
 }  // namespace
 
-void put_f(std::string& out, double v, int w, int d) {
+namespace {
+
+// Fw.d for what the exact rounding does not take (not finite, huge, more
+// than 19 decimals), appended to out: exactly max(w, 0) characters.
+void put_f_slow(std::string& out, double v, int w, int d) {
   if (not_finite(out, v, w)) return;
-  if (d < 0) d = 0;
-  uint64_t q;
-  if (scaled_round(v, d, q)) {
-    // The digits of q with the point d places from the right; a lone zero
-    // in front of the point goes when the field is too narrow for it.  The
-    // field is made in place.
-    char digits[20];
-    const int nq = static_cast<int>(std::to_chars(digits, digits + sizeof digits, q).ptr - digits);
-    const bool neg = std::signbit(v), zero_int = q == 0 || nq <= d;
-    const int int_len = zero_int ? 1 : nq - d;
-    int len = (neg ? 1 : 0) + int_len + 1 + d;
-    const bool drop = zero_int && len > w;
-    if (drop) --len;
-    if (len > w) {
-      out.append(static_cast<std::size_t>(std::max(w, 0)), '*');
-      return;
-    }
-    const std::size_t at = out.size();
-    out.resize(at + static_cast<std::size_t>(w));
-    char* f = out.data() + at;
-    std::memset(f, ' ', static_cast<std::size_t>(w - len));
-    f += w - len;
-    if (neg) *f++ = '-';
-    if (!zero_int) {
-      std::memcpy(f, digits, static_cast<std::size_t>(int_len));
-      f += int_len;
-    } else if (!drop) {
-      *f++ = '0';
-    }
-    *f++ = '.';
-    if (!zero_int) {
-      std::memcpy(f, digits + int_len, static_cast<std::size_t>(d));
-    } else if (d > 0) {
-      std::memset(f, '0', static_cast<std::size_t>(d - nq));
-      std::memcpy(f + (d - nq), digits, static_cast<std::size_t>(nq));
-    }
-    return;
-  }
-  // Huge values and long fractions.  Room for the field, a zero to drop and
-  // a point to add: a text that does not fit in it overflows the field anyway.
+  // Room for the field, a zero to drop and a point to add: a text that does
+  // not fit in it overflows the field anyway.
   const std::size_t at = out.size(), room = static_cast<std::size_t>(std::max(w, 0)) + 2;
   out.resize(at + room + 1);
   char* first = out.data() + at;
@@ -134,18 +123,62 @@ void put_f(std::string& out, double v, int w, int d) {
   justify(out, at, w);
 }
 
-void put_i(std::string& out, long long v, int w) {
+char* stars(char* f, int width) {
+  for (int k = 0; k < width; ++k) *f++ = '*';
+  return f;
+}
+
+}  // namespace
+
+char* put_f(char* f, double v, int w, int d) {
+  const int width = std::max(w, 0);
+  if (d < 0) d = 0;
+  uint64_t q;
+  if (!std::isfinite(v) || !scaled_round(v, d, q)) {
+    std::string s;
+    put_f_slow(s, v, w, d);
+    std::memcpy(f, s.data(), static_cast<std::size_t>(width));
+    return f + width;
+  }
+  // The digits of q with the point d places from the right; a lone zero in
+  // front of the point goes when the field is too narrow for it.  Written
+  // from the right end of the field.
+  const uint64_t int_part = q / kPow10[static_cast<std::size_t>(d)];
+  int int_len = 1;
+  for (uint64_t r = int_part; r >= 10; r /= 10) ++int_len;
+  const bool neg = std::signbit(v), zero_int = int_part == 0;
+  int len = (neg ? 1 : 0) + int_len + 1 + d;
+  const bool drop = zero_int && len > w;
+  if (drop) --len;
+  if (len > w) return stars(f, width);
+  char* p = digits_before(f + w, q % kPow10[static_cast<std::size_t>(d)], d);
+  *--p = '.';
+  if (!drop) p = digits_before(p, int_part, int_len);
+  if (neg) *--p = '-';
+  while (p != f) *--p = ' ';
+  return f + w;
+}
+
+void put_f(std::string& out, double v, int w, int d) {
+  const std::size_t at = out.size();
+  out.resize(at + static_cast<std::size_t>(std::max(w, 0)));
+  put_f(out.data() + at, v, w, d);
+}
+
+char* put_i(char* f, long long v, int w) {
+  const int width = std::max(w, 0);
   char buf[24];
   const int n = static_cast<int>(std::to_chars(buf, buf + sizeof buf, v).ptr - buf);
-  if (n > w) {
-    out.append(static_cast<std::size_t>(std::max(w, 0)), '*');
-    return;
-  }
-  // The field is made in place.
+  if (n > w) return stars(f, width);
+  for (int k = n; k < w; ++k) *f++ = ' ';
+  for (int k = 0; k < n; ++k) *f++ = buf[k];
+  return f;
+}
+
+void put_i(std::string& out, long long v, int w) {
   const std::size_t at = out.size();
-  out.resize(at + static_cast<std::size_t>(w));
-  std::memset(out.data() + at, ' ', static_cast<std::size_t>(w - n));
-  std::memcpy(out.data() + at + (w - n), buf, static_cast<std::size_t>(n));
+  out.resize(at + static_cast<std::size_t>(std::max(w, 0)));
+  put_i(out.data() + at, v, w);
 }
 
 std::string fmt_i(long long v, int w) {

@@ -20,5 +20,9 @@ std::string fmt_x(int n);                      // nX: n blanks
 // Iw and Fw.d appended to a line being built, without a text of their own.
 void put_i(std::string& out, long long v, int w);
 void put_f(std::string& out, double v, int w, int d);
+// The same written at f, which has room for them: each field is exactly
+// max(w, 0) characters.  Returns the end of the field.
+char* put_i(char* f, long long v, int w);
+char* put_f(char* f, double v, int w, int d);
 
 }  // namespace lf

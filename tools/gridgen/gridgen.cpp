@@ -21,6 +21,8 @@
 #include <string>
 #include <vector>
 
+#include "cmdline.hpp"
+
 namespace {
 
 [[noreturn]] void fail(const std::string& why) {
@@ -28,12 +30,20 @@ namespace {
   std::exit(1);
 }
 
-[[noreturn]] void usage() {
-  std::fprintf(stderr,
-               "usage: gridgen IN_STEM OUT_STEM --copies N [--ties T]\n"
-               "  joins N copies of the case IN_STEM (tied by T lines between neighbouring\n"
-               "  copies, default 8) into the case OUT_STEM\n");
-  std::exit(2);
+constexpr const char* kUsage =
+    "usage: gridgen IN_STEM OUT_STEM --copies N [--ties T]\n"
+    "  joins N copies of the case IN_STEM (tied by T lines between neighbouring\n"
+    "  copies, default 8) into the case OUT_STEM\n";
+
+// A count option's value: a whole number of 1 or more, else a problem text.
+auto count_of(const char* name, long& to) {
+  return [name, &to](const char* text) {
+    char* end = nullptr;
+    to = std::strtol(text, &end, 10);
+    return *text != '\0' && *end == '\0' && to >= 1
+               ? std::string()
+               : std::string(name) + " needs a count of 1 or more, not '" + text + "'";
+  };
 }
 
 // One record: its fields as written, a quoted text with its quotes.
@@ -122,24 +132,19 @@ long largest(const std::string& path, const std::vector<Record>& rows, std::size
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string in, out;
   long copies = 0, ties = 8;
-  for (int a = 1; a < argc; ++a) {
-    const std::string arg = argv[a];
-    if (arg == "--copies" && a + 1 < argc)
-      copies = std::atol(argv[++a]);
-    else if (arg == "--ties" && a + 1 < argc)
-      ties = std::atol(argv[++a]);
-    else if (!arg.empty() && arg[0] == '-')
-      usage();
-    else if (in.empty())
-      in = arg;
-    else if (out.empty())
-      out = arg;
-    else
-      usage();
-  }
-  if (in.empty() || out.empty() || copies < 1 || ties < 1) usage();
+  const lfcmd::Command command{{"gridgen", kUsage},
+                               {{"--copies", "a count", count_of("--copies", copies)},
+                                {"--ties", "a count", count_of("--ties", ties)}},
+                               2,
+                               "give one input stem and one output stem"};
+  std::vector<std::string> plain;
+  if (int status = lfcmd::parse(command, argc, argv, plain); status >= 0) return status;
+  if (plain.size() != 2)
+    return lfcmd::problem(command.program, "give one input stem and one output stem");
+  if (copies < 1) return lfcmd::problem(command.program, "--copies is needed");
+  const std::string& in = plain[0];
+  const std::string& out = plain[1];
 
   const std::string l0 = in + ".L0";
   const std::vector<Record> head = read_file(l0, 10, true);

@@ -11,26 +11,26 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
+#include "cmdline.hpp"
 #include "io/msglink.hpp"
 
 namespace {
 
-void usage() {
-  std::puts(
-      "usage: lfstatus [--once]\n"
-      "\n"
-      "Listens on 127.0.0.1 port 9876 for the message link of a load-flow engine\n"
-      "(lfrun --link) and prints every message it receives, one a line:\n"
-      "  kind 11 length 4: status 1 (engine connected)\n"
-      "  kind 1 length 23: <the engine's line>\n"
-      "  kind 11 length 4: status 2 (engine shutting down)\n"
-      "When an engine disconnects, lfstatus waits for the next one.\n"
-      "\n"
-      "Options:\n"
-      "  --once   end after the first engine has disconnected\n"
-      "  --help   shows this text");
-}
+constexpr const char* kUsage =
+    "usage: lfstatus [--once]\n"
+    "\n"
+    "Listens on 127.0.0.1 port 9876 for the message link of a load-flow engine\n"
+    "(lfrun --link) and prints every message it receives, one a line:\n"
+    "  kind 11 length 4: status 1 (engine connected)\n"
+    "  kind 1 length 23: <the engine's line>\n"
+    "  kind 11 length 4: status 2 (engine shutting down)\n"
+    "When an engine disconnects, lfstatus waits for the next one.\n"
+    "\n"
+    "Options:\n"
+    "  --once   end after the first engine has disconnected\n"
+    "  --help   shows this text\n";
 
 // Reads exactly n bytes; false when the connection ends first.
 bool read_all(int fd, char* p, std::size_t n) {
@@ -80,18 +80,14 @@ void serve(int peer) {
 
 int main(int argc, char** argv) {
   bool once = false;
-  for (int i = 1; i < argc; ++i) {
-    std::string a = argv[i];
-    if (a == "--once") {
-      once = true;
-    } else if (a == "--help" || a == "-h") {
-      usage();
-      return 0;
-    } else {
-      std::fprintf(stderr, "lfstatus: unknown option %s\nTry 'lfstatus --help'.\n", a.c_str());
-      return 2;
-    }
-  }
+  const lfcmd::Command command{{"lfstatus", kUsage, true},
+                               {{"--once", nullptr, [&once](const char*) {
+                                   once = true;
+                                   return std::string();
+                                 }}}};
+  std::vector<std::string> plain;
+  if (int status = lfcmd::parse(command, argc, argv, plain); status >= 0) return status;
+  if (!plain.empty()) return lfcmd::problem(command.program, "unknown option " + plain[0]);
   int fd = ::socket(AF_INET, SOCK_STREAM, 0);
   int on = 1;
   ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -89,10 +90,43 @@ class ReportLines {
   std::vector<std::pair<std::size_t, std::size_t>> bounds_;  // its fields in line_
 };
 
+// A plain decimal, [-]digits[.digits], of at most 2^53 without its point and
+// at most 22 decimals: the quotient of two doubles that hold the digits and
+// the power of ten exactly, which is the correctly rounded value, as strtod
+// gives it.  False for any other text.
+bool plain_decimal(std::string_view text, double& v) {
+  static constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr std::uint64_t kExact = std::uint64_t{1} << 53;
+  const char *p = text.data(), *end = p + text.size();
+  const bool negative = p != end && *p == '-';
+  if (negative) ++p;
+  std::uint64_t m = 0;
+  int digits = 0, decimals = -1;  // -1: no point yet
+  for (; p != end; ++p) {
+    if (*p >= '0' && *p <= '9') {
+      if (m > (kExact - 9) / 10) return false;
+      m = m * 10 + static_cast<std::uint64_t>(*p - '0');
+      ++digits;
+      if (decimals >= 0) ++decimals;
+    } else if (*p == '.' && decimals < 0) {
+      decimals = 0;
+    } else {
+      return false;
+    }
+  }
+  if (digits == 0 || decimals > 22) return false;
+  const double x = static_cast<double>(m) / kPow10[std::max(decimals, 0)];
+  v = negative ? -x : x;
+  return true;
+}
+
 // A field as a number, as strtod takes it, the whole field used.  The plain
 // decimal forms of the reports convert without a copy.
 bool number(std::string_view text, double& v) {
   if (text.empty()) return false;
+  if (plain_decimal(text, v)) return true;
   const char* end = text.data() + text.size();
   if (auto [p, ec] = std::from_chars(text.data(), end, v); ec == std::errc() && p == end)
     return true;

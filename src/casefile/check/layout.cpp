@@ -44,7 +44,7 @@ constexpr std::pair<std::string_view, std::string_view> kLayouts[] = {
 };
 
 Layout parse(std::string_view ext, std::string_view text) {
-  Layout l{ext, {{}}, 0};
+  Layout l{ext, {{}}, 0, false};
   std::size_t pos = 0;
   while (pos < text.size()) {
     const std::size_t end = std::min(text.find(' ', pos), text.size());
@@ -59,6 +59,7 @@ Layout parse(std::string_view ext, std::string_view text) {
       const std::size_t name_end = std::min(text.find(' ', pos), text.size());
       l.statements.back().push_back({text.substr(pos, name_end - pos), word[0]});
       ++l.fields;
+      l.texts = l.texts || word[0] == 'T';
       pos = name_end + 1;
     }
   }

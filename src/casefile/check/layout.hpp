@@ -21,6 +21,7 @@ struct Layout {
   std::string_view ext;                        // ".L2"
   std::vector<std::vector<Field>> statements;  // the read statements of one record
   std::size_t fields = 0;                      // fields of all statements together
+  bool texts = false;                          // whether any field is a text
   // Position of a field among all fields of a record, from 0.
   std::size_t at(std::string_view name) const;
 };

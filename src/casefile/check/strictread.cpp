@@ -16,7 +16,7 @@ Record blank(const Layout& l, int32_t number, long line) {
   r.line = line;
   r.ints.assign(l.fields, 0);
   r.reals.assign(l.fields, 0.0);
-  r.texts.assign(l.fields, {});
+  if (l.texts) r.texts.assign(l.fields, {});
   return r;
 }
 

@@ -22,14 +22,15 @@ struct Record {
   int32_t group = 0;               // .L13: the group (substation bus) it belongs to
   std::vector<int32_t> ints;       // integer fields (0 at other positions)
   std::vector<double> reals;       // real fields (0 at other positions)
-  std::vector<std::string> texts;  // text fields (empty at other positions)
+  std::vector<std::string> texts;  // text fields (empty at other positions; none at all
+                                   // in a layout without text fields)
 };
 
 struct FileRead {
-  std::string name;  // the file's path as given ("IEEE14.L2")
-  const Layout* layout = nullptr;
-  bool present = false;  // the file could be opened
-  bool read = false;     // the engine opens it (by the counts of .L0); set by read_family
+  std::string name;                // the file's path as given ("IEEE14.L2")
+  const Layout* layout = nullptr;  // the record layout of its extension
+  bool present = false;            // the file could be opened
+  bool read = false;               // the engine opens it (by the counts of .L0); set by read_family
   // Which records the engine keeps, by the layout: every one, or those whose
   // field at keep_at (mark or valid) is above 0, or equal to 1 (.NL4).
   enum class Keep { All, AboveZero, One } keep = Keep::All;
