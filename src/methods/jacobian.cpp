@@ -20,7 +20,7 @@
 //
 // Both walk the same pattern: for
 // each bus its entries in ascending column, taken from the admittance matrix
-// (the lower part through the column chain, then the diagonal and the upper
+// (the lower part from its layout by column, then the diagonal and the upper
 // part of the row), with the columns of slack buses left out and a slack row
 // reduced to the identity block.  So the pattern never changes with the bus
 // types, and the factors found on the first iteration serve all later ones.
@@ -40,25 +40,22 @@ namespace {
 // The kinds of bus that the Jacobian tells apart (the values of JKIND).
 enum : uint8_t { kPQ, kFixedV, kSlack };
 
-// Calls put(k, j, y, diag) for each entry of row i of the Jacobian, in
-// ascending column j: k is the entry's place in JA, y the place of the pair's
-// admittance in Y.  Returns the next free place.
+// Calls put(k, j, g, b, diag) for each entry of row i of the Jacobian, in
+// ascending column j: k is the entry's place in JA, g and b the conductance
+// and susceptance of the pair in Y.  Returns the next free place.
 template <typename Put>
 inline int32_t walk_row(int32_t i, int32_t k, const uint8_t* kind, Put&& put) {
-  const int32_t d = Y.IY[i];
-  // Below the diagonal: the column chain of column i, rows ascending.
-  for (int32_t p = d;;) {
-    const int32_t q = Y.LKNEXT[p];
-    if (q == 0 || q == d) break;
-    const int32_t r = Y.LKROW[p];
-    if (kind[r] != kSlack) put(k++, r, q, false);
-    p = q;
+  // Below the diagonal: column i of Y above its diagonal, rows ascending.
+  for (int32_t t = Y.CSTART[i]; t < Y.CSTART[i + 1]; ++t) {
+    const int32_t r = Y.CROW[t];
+    if (kind[r] != kSlack) put(k++, r, Y.CG[t], Y.CB[t], false);
   }
-  put(k++, i, d, true);
+  const int32_t d = Y.IY[i];
+  put(k++, i, Y.YG[d], Y.YB[d], true);
   const int32_t end = Y.IY[i + 1];
   for (int32_t p = d + 1; p < end; ++p) {
     const int32_t c = Y.JY[p];
-    if (kind[c] != kSlack) put(k++, c, p, false);
+    if (kind[c] != kSlack) put(k++, c, Y.YG[p], Y.YB[p], false);
   }
   return k;
 }
@@ -106,8 +103,7 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
                   Arr<double>& ab, Arr<double>& ad) {
   const double e = VPQ.E[i], f = VPQ.F[i];
   const bool pq = kind[i] == kPQ;
-  return walk_row(i, k, kind, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
-    const double g = Y.YG[p], b = Y.YB[p];
+  return walk_row(i, k, kind, [&](int32_t kk, int32_t j, double g, double b, bool diag) {
     ja[kk] = j;
     if (!diag) {
       aa[kk] = -(e * g) - f * b;
@@ -191,8 +187,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
     if (kind[i] == kPQ) {
       const double cr = (f * sq + e * sp) / vsq;
       const double ci = (sp * f - sq * e) / vsq;
-      k = walk_row(i, k, kind, [&](int32_t kk, int32_t j, int32_t p, bool diag) {
-        const double g = Y.YG[p], b = Y.YB[p];
+      k = walk_row(i, k, kind, [&](int32_t kk, int32_t j, double g, double b, bool diag) {
         ja[kk] = j;
         if (!diag) {
           aa[kk] = g;

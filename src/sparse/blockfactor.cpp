@@ -11,33 +11,12 @@ namespace lf {
 namespace {
 
 // Loads the entries of column i on and below the diagonal into side 0 of the
-// work row and those of row i right of the diagonal into side 1, their
-// indices joining the patterns.  The column is walked along its chain.
-void load_new(const BlockPattern& A, const BlockValues& v, int32_t i, BlockWork& w) {
-  const BlockChains& ch = *A.chains;
-  if (const int32_t start = ch.chfirst[i]; start != 0) {
-    int32_t p = start, row = ch.chfirstrow[i];
-    do {
-      w.enter(0, row);
-      w.set(0, row, v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
-      row = ch.chrow[p];
-      p = ch.chpos[p];
-    } while (p != start && p != 0);
-  }
-  const int32_t end = A.ia[i + 1];
-  const int32_t from = ch.upfirst[i] != 0 ? ch.upfirst[i] : end;
-  for (int32_t p = from; p < end; ++p) {
-    const int32_t c = A.ja[p];
-    w.enter(1, c);
-    w.set(1, c, v.aa[p], v.ab[p], v.ac[p], v.ad[p]);
-  }
-}
-
-// The same on a pattern laid out before: the work row already holds the
-// pattern of the factor, which covers the matrix's, and the column's
-// entries stand together in `lower`, nlower of them (see gather_lower).
-void load_laid_out(const BlockPattern& A, const BlockValues& v, int32_t i, const Link* lower,
-                   const BlockStore::Block* low, std::size_t nlower, BlockWork& w) {
+// work row and those of row i right of the diagonal into side 1.  The work
+// row already holds the pattern of the factor, which covers the matrix's;
+// the column's entries stand together in `low`, their rows in `lower`,
+// nlower of them (see gather_lower).
+void load(const BlockPattern& A, const BlockValues& v, int32_t i, const Link* lower,
+          const BlockStore::Block* low, std::size_t nlower, BlockWork& w) {
   for (std::size_t t = 0; t < nlower; ++t) {
     const double* b = low[t].v;
     w.set(0, lower[t].row, b[0], b[1], b[2], b[3]);
@@ -56,6 +35,7 @@ void gather_lower(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
   BlockStore::Block* low = f.low.data();
   for (int32_t r = 1; r <= A.n; ++r) {
     for (int32_t p = A.ia[r]; p < A.ia[r + 1] && A.ja[p] <= r; ++p) {
+      if (slot[p] < 0) continue;  // on no column chain
       double* b = low[slot[p]].v;
       b[0] = v.aa[p], b[1] = v.ab[p], b[2] = v.ac[p], b[3] = v.ad[p];
     }
@@ -63,11 +43,10 @@ void gather_lower(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
 }
 
 // Column i of L and row i of U in the work row, the matrix's entries
-// loaded: less the products of the earlier columns and rows.  Each earlier k in above[]
-// (ascending) holds U[k][i] and L[i][k] at one position p: column i of L gets
-// L[., k] U[k][i] taken off from row i on, row i of U gets L[i][k] U[k, .]
-// taken off right of column i.
-template <bool Discover>
+// loaded: less the products of the earlier columns and rows.  Each earlier k
+// in above[] (ascending) holds U[k][i] and L[i][k] at one position p: column
+// i of L gets L[., k] U[k][i] taken off from row i on, row i of U gets
+// L[i][k] U[k, .] taken off right of column i.
 void eliminate(const int32_t* iu, const int32_t* ju, const BlockEntry* val, const Link* above,
                std::size_t nabove, std::size_t nknown, BlockWork& w) {
   // The positions lie far apart in the store: ask early for the ones that
@@ -87,13 +66,8 @@ void eliminate(const int32_t* iu, const int32_t* ju, const BlockEntry* val, cons
     const double ualpha[4] = {-u[0], -u[1], -u[2], -u[3]};
     const double lalpha[4] = {-l[0], -l[1], -l[2], -l[3]};
     const int32_t m = iu[k + 1] - p;
-    if (Discover) {
-      m2axpy(0, w, m, ju + p, val + p, ualpha);
-      m2axpy(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
-    } else {
-      m2axpyo(0, w, m, ju + p, val + p, ualpha);
-      m2axpyo(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
-    }
+    m2axpyo(0, w, m, ju + p, val + p, ualpha);
+    m2axpyo(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
   }
 }
 
@@ -146,16 +120,85 @@ void group_by(int32_t n, std::vector<int32_t>& start, std::vector<Link>& out, Ea
   start[0] = 0;
 }
 
-// Lays out, for the refactorisations, the entries of U by column with their
-// rows, ascending, in f.above from f.start[c] (the column chains of U and
-// row chains of L in the order they run), and the matrix's entries on and
-// below the diagonal by column, ascending row, in f.lower from
-// f.lower_start[c], with the place of each in f.lower_slot: flat, so that
-// the positions can be fetched ahead instead of one hop at a time.  Done once for the pattern that
-// nonsym74 found; the refactorisations on it find the layout made.
-void by_column(const BlockPattern& A, BlockStore& f) {
-  if (f.laid_out) return;
-  f.laid_out = true;
+// Lays out the matrix's entries on and below the diagonal by column,
+// ascending row, as the column chains of adlink7l run, in f.lower from
+// f.lower_start[c], with the place of each in f.lower_slot and room for
+// their blocks in f.low.
+void lay_out_matrix(const BlockPattern& A, BlockStore& f) {
+  const int32_t n = A.n;
+  const BlockChains& ch = *A.chains;
+  group_by(n, f.lower_start, f.lower, [&](auto&& put) {
+    for (int32_t c = 1; c <= n; ++c) {
+      const int32_t first = ch.chfirst[c];
+      if (first == 0) continue;
+      int32_t p = first, row = ch.chfirstrow[c];
+      do {
+        put(c, row, p);
+        row = ch.chrow[p];
+        p = ch.chpos[p];
+      } while (p != first && p != 0);
+    }
+  });
+  f.lower_slot.assign(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1, -1);
+  for (std::size_t t = 0; t < f.lower.size(); ++t)
+    f.lower_slot[static_cast<std::size_t>(f.lower[t].pos)] = static_cast<int32_t>(t);
+  f.low.resize(f.lower.size());
+}
+
+// The pattern of the factors (iu, ju), found without values.  Row i of U,
+// and column i of L at the same positions, holds the columns right of i of
+// the matrix's row i and the rows below i of its column i, and the fill that
+// the elimination of the earlier rows with an entry in column i brings: the
+// columns right of i of those rows.  The rows whose first column right of
+// their pivot is i (their parent) are enough, as each such earlier row has
+// handed its columns on to its parent, and so on up to row i.
+void symbolic(const BlockPattern& A, BlockStore& f) {
+  const int32_t n = A.n;
+  const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
+  f.iu.assign(rows + 1, 0);
+  // The factor holds at least the matrix's own entries; fill-in grows it.
+  f.room(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1);
+  // Per row: the first of its children and the next child of its parent.
+  std::vector<int32_t> child(rows, 0), sibling(rows, 0), mark(rows, 0), cols;
+  int32_t q = 1;
+  f.iu[1] = 1;
+  for (int32_t i = 1; i <= n; ++i) {
+    const std::size_t ii = static_cast<std::size_t>(i);
+    cols.clear();
+    const auto add = [&](int32_t j) {
+      if (mark[static_cast<std::size_t>(j)] == i) return;
+      mark[static_cast<std::size_t>(j)] = i;
+      cols.push_back(j);
+    };
+    for (int32_t t = f.lower_start[ii]; t < f.lower_start[ii + 1]; ++t)
+      if (const int32_t r = f.lower[static_cast<std::size_t>(t)].row; r != i) add(r);
+    const int32_t end = A.ia[i + 1];
+    for (int32_t p = A.chains->upfirst[i] != 0 ? A.chains->upfirst[i] : end; p < end; ++p)
+      add(A.ja[p]);
+    for (int32_t k = child[ii]; k != 0; k = sibling[static_cast<std::size_t>(k)]) {
+      const std::size_t kk = static_cast<std::size_t>(k);
+      for (int32_t s = f.iu[kk] + 1; s < f.iu[kk + 1]; ++s)
+        if (const int32_t j = f.ju[static_cast<std::size_t>(s)]; j > i) add(j);
+    }
+    std::sort(cols.begin(), cols.end());
+    const int32_t count = static_cast<int32_t>(cols.size());
+    f.room(static_cast<std::size_t>(q + count));
+    f.ju[static_cast<std::size_t>(q)] = i;
+    std::copy(cols.begin(), cols.end(), f.ju.begin() + q + 1);
+    q += 1 + count;
+    f.iu[ii + 1] = q;
+    if (count != 0) {
+      const std::size_t parent = static_cast<std::size_t>(cols.front());
+      sibling[ii] = child[parent];
+      child[parent] = i;
+    }
+  }
+}
+
+// Lays out the entries of U by column with their rows, ascending, in f.above
+// from f.start[c]: the earlier rows that each column's elimination takes,
+// in the order it takes them.
+void lay_out_factor(BlockStore& f) {
   const int32_t n = f.n;
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
@@ -163,14 +206,37 @@ void by_column(const BlockPattern& A, BlockStore& f) {
     for (int32_t k = 1; k <= n; ++k)
       for (int32_t s = iu[k] + 1; s < iu[k + 1]; ++s) put(ju[s], k, s);
   });
-  group_by(n, f.lower_start, f.lower, [&](auto&& put) {
-    for (int32_t r = 1; r <= n; ++r)
-      for (int32_t p = A.ia[r]; p < A.ia[r + 1] && A.ja[p] <= r; ++p) put(A.ja[p], r, p);
-  });
-  f.lower_slot.assign(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1, 0);
-  for (std::size_t t = 0; t < f.lower.size(); ++t)
-    f.lower_slot[static_cast<std::size_t>(f.lower[t].pos)] = static_cast<int32_t>(t);
-  f.low.resize(f.lower.size());
+}
+
+// The values of the factors on the pattern laid out, column by column.
+void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  const int32_t n = A.n;
+  const int32_t* iu = f.iu.data();
+  const int32_t* ju = f.ju.data();
+  const std::vector<int32_t>& start = f.start;
+  const std::vector<Link>& above = f.above;
+  const std::vector<int32_t>& lstart = f.lower_start;
+  const std::vector<Link>& lower = f.lower;
+
+  gather_lower(A, v, f);
+  BlockWork& w = f.work;
+  w.fit(n);
+  for (int32_t i = 1; i <= n; ++i) {
+    const int32_t q = iu[i];
+    const int32_t count = iu[i + 1] - q - 1;
+    w.zero(0, i);
+    for (int32_t s = q + 1; s <= q + count; ++s) {
+      w.zero(0, ju[s]);
+      w.zero(1, ju[s]);
+    }
+    const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
+    const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);
+    const std::size_t lfrom = static_cast<std::size_t>(lstart[static_cast<std::size_t>(i)]);
+    const std::size_t lto = static_cast<std::size_t>(lstart[static_cast<std::size_t>(i) + 1]);
+    load(A, v, i, lower.data() + lfrom, f.low.data() + lfrom, lto - lfrom, w);
+    eliminate(iu, ju, f.val.data(), above.data() + from, to - from, above.size() - from, w);
+    store(f.val.data(), ju, i, q, count, w);
+  }
 }
 
 }  // namespace
@@ -179,7 +245,6 @@ void BlockStore::room(std::size_t q) {
   if (q < val.size()) return;
   const std::size_t want = std::max(q + 1, 2 * val.size());
   val.resize(want);
-  chain.resize(want);
   ju.resize(want, 0);
 }
 
@@ -231,106 +296,16 @@ void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockCh
 }
 
 void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
-  const int32_t n = A.n;
-  const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  f.n = n;
-  f.laid_out = false;
-  f.iu.assign(rows + 1, 0);
-  // The factor holds at least the matrix's own entries; fill-in grows it.
-  f.room(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1);
-
-  BlockWork& w = f.work;
-  w.fit(n);
-  // Per column: first and last entry stored so far above the diagonal.
-  std::vector<int32_t> first(rows, 0), firstrow(rows, 0), lastpos(rows, 0);
-  std::vector<int32_t> cols;
-  std::vector<Link> above;
-  int32_t q = 1;
-  f.iu[1] = 1;
-  for (int32_t i = 1; i <= n; ++i) {
-    f.room(static_cast<std::size_t>(q));
-    f.iu[static_cast<std::size_t>(i)] = q;
-    // Close column i's chain through its pivot position.
-    const std::size_t ci = static_cast<std::size_t>(i);
-    f.chain[static_cast<std::size_t>(q)] = {firstrow[ci], first[ci]};
-    if (lastpos[ci] != 0) f.chain[static_cast<std::size_t>(lastpos[ci])] = {i, q};
-
-    // The earlier rows with an entry in column i, along its chain.
-    above.clear();
-    for (Link at = f.chain[static_cast<std::size_t>(q)]; at.row != 0 && at.row != i;
-         at = f.chain[static_cast<std::size_t>(at.pos)])
-      above.push_back(at);
-    w.begin();
-    w.enter(0, i);
-    load_new(A, v, i, w);
-    eliminate<true>(f.iu.data(), f.ju.data(), f.val.data(), above.data(), above.size(),
-                    above.size(), w);
-
-    // The positions of row i: the union of both patterns (they agree on a
-    // structurally symmetric matrix), ascending, without the pivot.
-    cols.clear();
-    for (int32_t j : w.cols[0])
-      if (j != i) cols.push_back(j);
-    for (int32_t j : w.cols[1])
-      if (!w.has(0, j)) cols.push_back(j);
-    for (int32_t j : cols) {
-      w.enter(0, j);
-      w.enter(1, j);
-    }
-    std::sort(cols.begin(), cols.end());
-    const int32_t count = static_cast<int32_t>(cols.size());
-    f.room(static_cast<std::size_t>(q + count));
-    f.ju[static_cast<std::size_t>(q)] = i;
-    for (int32_t t = 0; t < count; ++t) {
-      const int32_t s = q + 1 + t;
-      const int32_t c = cols[static_cast<std::size_t>(t)];
-      const std::size_t cc = static_cast<std::size_t>(c);
-      f.ju[static_cast<std::size_t>(s)] = c;
-      // Position s joins the end of column c's chain.
-      f.chain[static_cast<std::size_t>(s)] = {0, 0};
-      if (first[cc] == 0) {
-        first[cc] = s;
-        firstrow[cc] = i;
-      }
-      if (lastpos[cc] != 0) f.chain[static_cast<std::size_t>(lastpos[cc])] = {i, s};
-      lastpos[cc] = s;
-    }
-    store(f.val.data(), f.ju.data(), i, q, count, w);
-    q += 1 + count;
-    f.iu[static_cast<std::size_t>(i) + 1] = q;
-  }
+  f.n = A.n;
+  lay_out_matrix(A, f);
+  symbolic(A, f);
+  lay_out_factor(f);
+  numeric(A, v, f);
 }
 
 void nonsym74o(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
-  const int32_t n = A.n;
-  if (n < 1) return;
-  by_column(A, f);
-  const int32_t* iu = f.iu.data();
-  const int32_t* ju = f.ju.data();
-  const std::vector<int32_t>& start = f.start;
-  const std::vector<Link>& above = f.above;
-  const std::vector<int32_t>& lstart = f.lower_start;
-  const std::vector<Link>& lower = f.lower;
-
-  gather_lower(A, v, f);
-  BlockWork& w = f.work;
-  w.fit(n);
-  for (int32_t i = 1; i <= n; ++i) {
-    const int32_t q = iu[i];
-    const int32_t count = iu[i + 1] - q - 1;
-    w.zero(0, i);
-    for (int32_t s = q + 1; s <= q + count; ++s) {
-      w.zero(0, ju[s]);
-      w.zero(1, ju[s]);
-    }
-    const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(i)]);
-    const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(i) + 1]);
-    const std::size_t lfrom = static_cast<std::size_t>(lstart[static_cast<std::size_t>(i)]);
-    const std::size_t lto = static_cast<std::size_t>(lstart[static_cast<std::size_t>(i) + 1]);
-    load_laid_out(A, v, i, lower.data() + lfrom, f.low.data() + lfrom, lto - lfrom, w);
-    eliminate<false>(iu, ju, f.val.data(), above.data() + from, to - from, above.size() - from, w);
-    store(f.val.data(), ju, i, q, count, w);
-  }
+  if (A.n < 1) return;
+  numeric(A, v, f);
 }
 
 void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,

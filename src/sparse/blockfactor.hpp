@@ -11,12 +11,13 @@
 // diagonal.  Both use one set of positions: iu[i] holds the pivot of column i
 // of L (and the identity of row i of U); the positions after it up to
 // iu[i+1]-1 hold the L entries of column i by ascending row ju and, at the
-// same places, the U entries of row i by ascending column ju.  The chain runs
-// from the pivot position of column c through the U entries of column c in
-// ascending row (which are also the L entries of row c in ascending column);
-// its row names the row of the entry that its position leads to, the last
-// leads back with row c, and a column without such entries has 0, 0 at its
-// pivot.
+// same places, the U entries of row i by ascending column ju.
+//
+// nonsym74 finds the pattern of the factors from the matrix's pattern alone
+// (the fill-in), lays it out for the elimination and works out the values on
+// it; nonsym74o works out the values again on the same pattern.  Both take
+// the same steps in the same order for each value, so they give the same
+// factors to the last bit.
 //
 // The routines take three small views and stores: BlockPattern, the
 // matrix's rows and column chains; BlockValues, its blocks; BlockStore, the
@@ -58,35 +59,35 @@ struct BlockValues {
   const double *aa = nullptr, *ab = nullptr, *ac = nullptr, *ad = nullptr;
 };
 
-// One step of a chain: the row of the entry led to, and its position.
+// An entry of a column: its row and its position in the store.
 struct Link {
   int32_t row, pos;
 };
 
 // The factors and the work memory of their calculation.  nonsym74 fills the
-// pattern and values, nonsym74o the values again, solvxn reads them.  Kept by
-// the caller between calls, so that a refactorisation allocates nothing.
+// pattern, its layouts and the values, nonsym74o the values again, solvxn
+// reads them.  Kept by the caller between calls, so that a refactorisation
+// allocates nothing.
 struct BlockStore {
   int32_t n = 0;                // block rows factorised
   std::vector<int32_t> iu;      // [1..n+1]: the pivot position of each column of L (row of U)
   std::vector<int32_t> ju;      // by position: column of U (= row of L); at a pivot, i itself
-  std::vector<Link> chain;      // by position: the column chain of U (row chain of L)
   std::vector<BlockEntry> val;  // by position: the L block and the U block
-  // Work memory: the dense work row; for a refactorisation, laid out flat
-  // by column (from start[c] and lower_start[c], ascending row), the entries
-  // of U and the matrix's entries on and below the diagonal, for the
-  // patterns of the factors (iu, ju) and of the matrix they were laid out for.
-  BlockWork work{0};
+  // The layouts of the elimination, made by nonsym74 for the patterns of the
+  // factors and of the matrix, read by each factorisation; all by column c,
+  // ascending row.  above[start[c] ..]: the entries of U in column c (rows
+  // and positions), the earlier rows that column c's elimination takes.
+  // lower[lower_start[c] ..]: the matrix's entries on and below the diagonal
+  // in column c, as its column chain runs.
   std::vector<int32_t> start, lower_start;
   std::vector<Link> above, lower;
-  std::vector<int32_t>
-      lower_slot;         // by matrix position on or below the diagonal: its place in lower
-  bool laid_out = false;  // the layouts above fit the patterns
+  std::vector<int32_t> lower_slot;  // by matrix position: its place in lower, -1 for none
   // One block [a b; c d] of the matrix.
   struct Block {
     double v[4];
   };
-  std::vector<Block> low;  // by place in lower: the matrix's block, copied for each refactorisation
+  std::vector<Block> low;  // by place in lower: the matrix's block, copied by each factorisation
+  BlockWork work{0};       // the dense work row of the factorisations
   // The sums of the forward solution by block row, 1..n: written and read
   // by solvxn alone.
   struct Sum {
@@ -100,8 +101,8 @@ struct BlockStore {
 // Links the column chains of the matrix (rows ia, columns ja, n rows).
 void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch);
 
-// Factorises the matrix, finding the fill-in: builds the pattern and values
-// of the factors and their chains.  A pivot block whose determinant is at
+// Factorises the matrix, finding the fill-in: builds the pattern of the
+// factors, its layouts and the values.  A pivot block whose determinant is at
 // most 1e-20 in size gets the determinant +-1e-20.
 void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f);
 

@@ -59,27 +59,61 @@ struct Lists {
 // every later entry goes to a min-heap of level and number packed into one
 // key.  Entries go stale when a node's degree or level changes (a fresh entry
 // is pushed then); the caller skips them when they come up.
+// A min-heap of keys with four children to a node: half the levels of a
+// binary heap, and the children of a node side by side in memory.
+class QuadHeap {
+ public:
+  bool empty() const { return v_.empty(); }
+  uint64_t top() const { return v_.front(); }
+  void push(uint64_t k) {
+    std::size_t i = v_.size();
+    v_.push_back(k);
+    while (i > 0) {
+      const std::size_t up = (i - 1) / 4;
+      if (v_[up] <= k) break;
+      v_[i] = v_[up];
+      i = up;
+    }
+    v_[i] = k;
+  }
+  // Takes the least key out.
+  uint64_t pop() {
+    const uint64_t least = v_.front(), last = v_.back();
+    v_.pop_back();
+    const std::size_t n = v_.size();
+    if (n == 0) return least;
+    std::size_t i = 0;
+    for (std::size_t c = 1; c < n; c = 4 * i + 1) {
+      std::size_t m = c;
+      for (std::size_t j = c + 1; j < std::min(c + 4, n); ++j)
+        if (v_[j] < v_[m]) m = j;
+      if (v_[m] >= last) break;
+      v_[i] = v_[m];
+      i = m;
+    }
+    v_[i] = last;
+    return least;
+  }
+
+ private:
+  std::vector<uint64_t> v_;
+};
+
 class Candidates {
  public:
   // A node at the first level; nodes are seeded in ascending number.
   void seed(int32_t deg, int32_t node) { at(deg).queue.push_back(node); }
-  void push(int32_t deg, int32_t level, int32_t node) {
-    auto& h = at(deg).heap;
-    h.push_back(key(level, node));
-    std::push_heap(h.begin(), h.end(), std::greater<>());
-  }
+  void push(int32_t deg, int32_t level, int32_t node) { at(deg).heap.push(key(level, node)); }
   // The least entry; false when none is left.
   bool pop(int32_t& deg, int32_t& level, int32_t& node) {
     while (low_ < bucket_.size() && bucket_[low_].empty()) ++low_;
     if (low_ == bucket_.size()) return false;
     Bucket& b = bucket_[low_];
     uint64_t k;
-    if (b.head < b.queue.size() && (b.heap.empty() || key(1, b.queue[b.head]) < b.heap.front())) {
+    if (b.head < b.queue.size() && (b.heap.empty() || key(1, b.queue[b.head]) < b.heap.top())) {
       k = key(1, b.queue[b.head++]);
     } else {
-      std::pop_heap(b.heap.begin(), b.heap.end(), std::greater<>());
-      k = b.heap.back();
-      b.heap.pop_back();
+      k = b.heap.pop();
     }
     deg = static_cast<int32_t>(low_);
     level = static_cast<int32_t>(k >> 32);
@@ -91,7 +125,7 @@ class Candidates {
   struct Bucket {
     std::vector<int32_t> queue;
     std::size_t head = 0;
-    std::vector<uint64_t> heap;
+    QuadHeap heap;
     bool empty() const { return head == queue.size() && heap.empty(); }
   };
   static uint64_t key(int32_t level, int32_t node) {

@@ -15,6 +15,10 @@ void YRec::grow(std::size_t n, std::size_t ne) {
   JY.grow(ne);
   LKROW.grow(ne);
   LKNEXT.grow(ne);
+  CSTART.grow(n + 1);
+  CROW.grow(ne);
+  CG.grow(ne);
+  CB.grow(ne);
 }
 
 namespace {
@@ -117,12 +121,44 @@ void adlink(const Arr<int32_t>& iy, const Arr<int32_t>& jy, int32_t n, int32_t n
   }
 }
 
+namespace {
+
+// Lays out the entries above the diagonal by column (CSTART, CROW, CG, CB),
+// going along the rows so that each column's entries come in ascending row.
+void by_column(int32_t n) {
+  const std::size_t cols = static_cast<std::size_t>(std::max(n, 0));
+  Y.CSTART.clear(cols + 1);
+  for (int32_t r = 1; r <= n; ++r)
+    for (int32_t e = Y.IY[r] + 1; e < Y.IY[r + 1]; ++e) ++Y.CSTART[Y.JY[e]];
+  // From counts to the first place of each column, then each place filled.
+  int32_t place = 1;
+  for (int32_t c = 1; c <= n; ++c) {
+    const int32_t count = Y.CSTART[c];
+    Y.CSTART[c] = place;
+    place += count;
+  }
+  Y.CSTART[n + 1] = place;
+  Arr<int32_t> next(cols);
+  for (int32_t c = 1; c <= n; ++c) next[c] = Y.CSTART[c];
+  for (int32_t r = 1; r <= n; ++r) {
+    for (int32_t e = Y.IY[r] + 1; e < Y.IY[r + 1]; ++e) {
+      const int32_t t = next[Y.JY[e]]++;
+      Y.CROW[t] = r;
+      Y.CG[t] = Y.YG[e];
+      Y.CB[t] = Y.YB[e];
+    }
+  }
+}
+
+}  // namespace
+
 void fomy12() {
   const int32_t n = NO.nnode, ny = NO.NYENT;
   Y.grow(static_cast<std::size_t>(std::max(n, 0)), static_cast<std::size_t>(std::max(ny, 0)));
   formy(NO.nbranch, n, ny, NEW, IOU, IJB.I, IJB.J, RXB.R, RXB.X, RXB.B, RXB.T, Y.YG, Y.YB, Y.IY,
         Y.JY);
   adlink(Y.IY, Y.JY, n, ny, Y.LKROW, Y.LKNEXT);
+  by_column(n);
 }
 
 }  // namespace lf

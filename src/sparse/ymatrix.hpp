@@ -19,6 +19,13 @@ struct YRec {
   Arr<double> YG, YB;              // conductance and susceptance of each entry
   Arr<int32_t> IY;                 // first entry of each row (nnode + 1 used)
   Arr<int32_t> JY, LKROW, LKNEXT;  // column of each entry, column chains
+  // The entries above the diagonal once more, by column: column c's stand at
+  // places CSTART[c] .. CSTART[c+1]-1 (c = 1..nnode) in ascending row, with
+  // their row (CROW) and their conductance and susceptance (CG, CB), per
+  // unit.  The entries and order of the column chains, side by side in
+  // memory.  Written by fomy12, read by the Jacobians.
+  Arr<int32_t> CSTART, CROW;
+  Arr<double> CG, CB;
   // Makes room for n rows and ne entries.
   void grow(std::size_t n, std::size_t ne);
 };
@@ -27,8 +34,9 @@ extern YRec Y;
 extern Arr<int32_t> NEW;  // reduced bus number -> internal number, 0 without a branch
 extern Arr<int32_t> IOU;  // by internal number: distinct higher-numbered neighbours
 
-// Builds Y from IJB/RXB on the ordering of fomy11: formy, then adlink.  A
-// second call with changed branch values gives the same positions.
+// Builds Y from IJB/RXB on the ordering of fomy11: formy, then adlink, then
+// the layout by column.  A second call with changed branch values gives the
+// same positions.
 void fomy12();
 
 // Values and structure of Y.  Series branches add -y/kk off the diagonal,

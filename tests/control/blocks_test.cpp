@@ -157,34 +157,28 @@ TEST(Blocks, OutputHeldSignedAndOnPorts) {
   EXPECT_EQ(UDXY.Y[1], 9);
 }
 
+// The rows of tests/data/block_warnings.txt.
 TEST(Blocks, WarningsOnTheErrorList) {
-  const struct {
-    int32_t type, mode;
+  for (const std::string& row : file_lines(fs::path(LF_TEST_DATA_DIR) / "block_warnings.txt")) {
+    if (row.empty() || row[0] == '#') continue;
+    std::istringstream fields(row);
+    std::string head, pars, x, text;
+    std::getline(fields, head, '|'), std::getline(fields, pars, '|');
+    std::getline(fields, x, '|'), std::getline(fields, text, '|');
+    int32_t type = 0, mode = 0;
+    std::istringstream(head) >> type >> mode;
     std::vector<double> par;
-    double x;
-    const char* text;
-  } rows[] = {
-      {1, 1, {1, 0, 1, 0, 1, 9, -9}, 1, "  Warning: Block DY1 Para. D=0 "},
-      {3, 1, {0, 1, 9, -9}, 1, "  Warning: Block INTG Para. D=0 "},
-      {4, 1, {0, 1, 9, -9}, 1, "  Warning: Block DY2 Para. D=0 "},
-      {14, 1, {1, 1, 1, 0}, 5, "  Warning: Block RAMP Para. A=B "},
-      {30, 1, {1, 1, 1, 0}, 5, "  Warning: Block LINE Para. A=B "},
-      {31, 1, {0, 1, 2, 1, 1, 1}, 5, "  Warning: Block ML Para. A=0 "},
-      {31, 1, {1, 1, 2, 1, 1, 1}, 5, "  Warning: Block ML Para. A=B "},
-      {31, 1, {1, 2, 2, 1, 1, 1}, 5, "  Warning: Block ML Para. B=C "},
-      {33, 1, {0, 1, 0, 0.25, 0}, 0.5, "  Warning: Block FEX Para. D=X*X "},
-      {51, 0, {0, 1, 1}, 1, "  Warning: Block FILT Para. A=0 "},
-  };
-  for (const auto& r : rows) {
+    std::istringstream in(pars);
+    for (double v; in >> v;) par.push_back(v);
     bench_reset();
     errlist_open();
     COMM7.DT = 0.1;
-    run_block(r.type, r.mode, r.par, {.x1 = r.x});
-    run_block(r.type, r.mode, r.par, {.x1 = r.x});  // written at every pass
+    run_block(type, mode, par, {.x1 = std::stod(x)});
+    run_block(type, mode, par, {.x1 = std::stod(x)});  // written at every pass
     errlist_close();
-    const std::string line = std::string(r.text) + "\n";
-    EXPECT_EQ(read_file("LFERR.LIS"), " ****** Operation Error Information ******\n" + line + line)
-        << r.text;
+    EXPECT_EQ(read_file("LFERR.LIS"),
+              " ****** Operation Error Information ******\n" + text + "\n" + text + "\n")
+        << row;
   }
   // The filter warns in the time-step form only; a guarded RAMP still
   // gives its limits.

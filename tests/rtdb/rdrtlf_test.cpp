@@ -15,6 +15,7 @@ class ReadTest : public TestDb {
     RMXMVALID = 0;
     LFINF = LFINFRec{};
     LF93 = LF93Rec{};
+    LL1.busarea.fill(0);  // the reader leaves a dead bus's area as it was
   }
   // Reads the case and gives what went to standard output.
   std::string read() {
