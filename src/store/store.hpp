@@ -175,9 +175,14 @@ struct RXRec {    // RXB, RXC: by the row of IJB, IJC
 struct IJOPENRec {        // the branches as read, by row of .L2/.L3 (or ln, cp, xf)
   Arr<int32_t> I, J, No;  // ends (case buses) and number as read; read by dwsubij and
                           // the reports, which find each row's branch again
-  Arr<int32_t> mark;      // 1 in service; 2 open at the I end; 3 open at the J end
+  Arr<int32_t> mark;      // kInService, kOpenAtI or kOpenAtJ
   void grow(std::size_t n);
 };
+
+// The marks of a branch row as read (IJOPEN.mark, the first field of .L2).
+constexpr int32_t kInService = 1;
+constexpr int32_t kOpenAtI = 2;  // the I end is open
+constexpr int32_t kOpenAtJ = 3;  // the J end is open
 
 // L2P, L3P: the control data of branches for the user-defined models (and
 // the database writer's transformer control); written by the readers, read
