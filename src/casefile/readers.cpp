@@ -164,7 +164,7 @@ void nrl4(const std::string& path) {
         !in(d.pd1_mw[k], d.vd1_kv[k], d.a1min_d[k], d.a10_d[k], d.gam1min_d[k], d.gam10_d[k]) ||
         !in(d.pd2_mw[k], d.vd2_kv[k], d.a2min_d[k], d.a20_d[k], d.gam2min_d[k], d.gam20_d[k]))
       break;
-    if (mark != 1) continue;  // only mark 1 counts for a DC line
+    if (mark != kInService) continue;  // only mark 1 counts for a DC line
     check_bus(d.I[k], path + ".NL4", r);
     check_bus(d.J[k], path + ".NL4", r);
     m = k;

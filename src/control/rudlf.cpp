@@ -14,6 +14,17 @@ namespace {
 
 // Model numbers of the data; the model type is 6000 + these.
 constexpr int32_t kTypeBase = 6000;
+// The standard models that the control fields of line and transformer rows
+// make (docs/models.md), by model number.
+constexpr int32_t kModelLineVoltage = 110;  // a line holds the voltage of a bus
+constexpr int32_t kModelXfVoltage = 111;    // a transformer's ratio holds a bus voltage
+constexpr int32_t kModelMeasureQ = 112;     // measures the reactive flow of the monitored line
+constexpr int32_t kModelLineQ = 113;        // a line holds that reactive flow
+constexpr int32_t kModelXfQ = 114;          // a transformer's ratio holds it
+constexpr int32_t kModelMeasureP = 115;     // measures the active flow of the monitored line
+constexpr int32_t kModelLineP = 116;        // a line holds that active flow
+constexpr int32_t kModelXfRatioKept = 117;  // keeps a transformer's ratio as given
+constexpr int32_t kModelXfP = 118;          // a transformer's ratio holds the active flow
 
 // A row's values as given; what a derived row leaves out is 0.
 struct SourceRow {
@@ -131,7 +142,7 @@ void addl9() {
     if (L5.mode_ctrl[g] <= kTypeModel4) add_unit(true, L5.ibs[g], L5.mode_ctrl[g], L5P, g);
   for (int32_t d = 1; d <= LFINF.nload; ++d) {
     int32_t& mode = L6.mode_ctrl[d];
-    if (mode > -4) continue;
+    if (mode > kTypeModel4) continue;
     if (!generator_at(L6.ibs[d])) {
       add_unit(false, L6.ibs[d], mode, L6P, d);
       continue;
@@ -140,58 +151,59 @@ void addl9() {
     // the row numbered by the count of source rows, not at its own row.
     const int32_t rows = S9.count;
     if (rows >= 1 && rows <= static_cast<int32_t>(L6.mode_ctrl.size()))
-      L6.mode_ctrl[rows] = (mode == -4 || mode == -6) ? -1 : 1;
+      L6.mode_ctrl[rows] = (mode == kTypeModel4 || mode == kTypeModel6) ? kTypePV : kTypePQ;
   }
   for (int32_t k = 1; k <= LFINF.nacline; ++k) {
     const int32_t mode = L2P.mode_ctrl[k];
-    const int32_t b = controlled_branch(mode, 3, L2P.I[k], L2P.J[k], L2P.No[k]);
+    const int32_t b = controlled_branch(mode, kLineHoldsQ, L2P.I[k], L2P.J[k], L2P.No[k]);
     if (b == 0) continue;
     SourceRow s;
     s.line = IJB.No[b];
     const double v = L2P.value_ctrl[k];
-    if (mode == 1) {
-      s.no = 110, s.grp = L2P.par_group[k], s.b1 = L2P.ibs_ctrl[k], s.v0 = v;
+    if (mode == kLineHoldsVoltage) {
+      s.no = kModelLineVoltage, s.grp = L2P.par_group[k], s.b1 = L2P.ibs_ctrl[k], s.v0 = v;
       add_derived(s);
       continue;
     }
     SourceRow first = s;
-    first.no = mode == 2 ? 115 : 112, first.grp = 1, first.b1 = IJB.I[b];
+    const bool active = mode == kLineHoldsP;
+    first.no = active ? kModelMeasureP : kModelMeasureQ, first.grp = 1, first.b1 = IJB.I[b];
     first.line = L2P.line_ctrl[k];
-    (mode == 2 ? first.p0 : first.q0) = v;
+    (active ? first.p0 : first.q0) = v;
     add_derived(first);
-    s.no = mode == 2 ? 116 : 113, s.grp = L2P.par_group[k], s.b1 = IJB.I[b];
-    (mode == 2 ? s.p0 : s.q0) = v;
+    s.no = active ? kModelLineP : kModelLineQ, s.grp = L2P.par_group[k], s.b1 = IJB.I[b];
+    (active ? s.p0 : s.q0) = v;
     add_derived(s);
   }
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const int32_t mode = L3P.mode_ctrl[t];
-    const int32_t b = controlled_branch(mode, 4, L3P.I[t], L3P.J[t], L3P.No[t]);
+    const int32_t b = controlled_branch(mode, kXfHoldsQ, L3P.I[t], L3P.J[t], L3P.No[t]);
     if (b == 0) continue;
     SourceRow s{.grp = L3P.par_group[t], .line = IJB.No[b]};
     const double v = L3P.value_ctrl[t];
     SourceRow first = s;
     first.grp = 1, first.b1 = IJB.I[b];
     switch (mode) {
-      case 1:  // the ratio handed over to a model that keeps it
-        first.no = 117, first.b2 = IJB.J[b], first.p0 = v, first.q0 = RXB.T[b];
+      case kXfRatioKept:  // the ratio handed over to a model that keeps it
+        first.no = kModelXfRatioKept, first.b2 = IJB.J[b], first.p0 = v, first.q0 = RXB.T[b];
         add_derived(first);
         RXB.T[b] = 1.0;
         break;
-      case 2:  // the ratio handed over to a model that moves it
-        first.no = 115, first.q0 = RXB.T[b], first.v0 = v, first.line = L3P.line_ctrl[t];
+      case kXfHoldsP:  // the ratio handed over to a model that moves it
+        first.no = kModelMeasureP, first.q0 = RXB.T[b], first.v0 = v, first.line = L3P.line_ctrl[t];
         add_derived(first);
-        s.no = 118, s.b1 = IJB.I[b], s.b2 = IJB.J[b], s.q0 = RXB.T[b], s.v0 = v;
+        s.no = kModelXfP, s.b1 = IJB.I[b], s.b2 = IJB.J[b], s.q0 = RXB.T[b], s.v0 = v;
         add_derived(s);
         RXB.T[b] = 1.0;
         break;
-      case 3:  // the ratio holds the voltage of the control bus
-        s.no = 111, s.b1 = L3P.ibs_ctrl[t], s.v0 = v;
+      case kXfHoldsVoltage:  // the ratio holds the voltage of the control bus
+        s.no = kModelXfVoltage, s.b1 = L3P.ibs_ctrl[t], s.v0 = v;
         add_derived(s);
         break;
       default:  // the reactive flow of a line held by the ratio
-        first.no = 112, first.q0 = v, first.line = L3P.line_ctrl[t];
+        first.no = kModelMeasureQ, first.q0 = v, first.line = L3P.line_ctrl[t];
         add_derived(first);
-        s.no = 114, s.b1 = IJB.I[b], s.b2 = IJB.J[b], s.q0 = v;
+        s.no = kModelXfQ, s.b1 = IJB.I[b], s.b2 = IJB.J[b], s.q0 = v;
         add_derived(s);
         break;
     }

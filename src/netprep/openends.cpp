@@ -68,7 +68,7 @@ void eijop() {
   int32_t rows = LFINF.nacline + LFINF.ntrans;
   for (int32_t r = 1; r <= rows; ++r) {
     int32_t mark = IJOPEN.mark[r];
-    if (mark == 1 || IJOPEN.I[r] < 1 || IJOPEN.J[r] < 1) continue;
+    if (mark == kInService || IJOPEN.I[r] < 1 || IJOPEN.J[r] < 1) continue;
     int32_t k = 1;
     for (; k <= NO.nbranch; ++k) {
       if (IJB.No[k] == IJOPEN.No[r] &&
@@ -77,13 +77,13 @@ void eijop() {
     }
     if (k > NO.nbranch) continue;
     Branch b = entry(IJB, RXB, k);
-    if (mark == 2) {
+    if (mark == kOpenAtI) {
       int32_t n = addnode(b.I);
       ++NNTOON.maxno;
       append_change(n, b.J, b.No, b.R, b.X, &b.B, &b.T);
       append_change(b.I, n, NNTOON.maxno, 0.0, kWeakLinkX, &zero, &one);
       append_change(b.I, b.J, b.No, 0.0, kDeleteMark, nullptr, nullptr);
-    } else if (mark == 3) {
+    } else if (mark == kOpenAtJ) {
       int32_t n = addnode(b.J);
       ++NNTOON.maxno;
       append_change(b.I, n, b.No, b.R, b.X, &b.B, &b.T);

@@ -70,6 +70,17 @@ inline bool bus_ok(const TablePass& p, int32_t bus) {
   return in_range(p, "bus number", bus, LFINF.nbus);
 }
 
+// The bits of a line row's q column that open one of its ends, and the
+// branch mark (IJOPEN.mark) that they stand for; the J end's bit wins.
+constexpr int32_t kQOpenAtI = 1;
+constexpr int32_t kQOpenAtJ = 2;
+inline int32_t open_mark(int32_t q) {
+  return (q & kQOpenAtJ) ? kOpenAtJ : (q & kQOpenAtI) ? kOpenAtI : kInService;
+}
+inline int32_t open_bits(int32_t mark) {
+  return mark == kOpenAtJ ? kQOpenAtJ : mark == kOpenAtI ? kQOpenAtI : 0;
+}
+
 // Rows that the load flow passes over, in reading and in writing alike: out
 // of service by their status bits.
 inline bool dropped(const ln_row& r) {

@@ -194,8 +194,7 @@ void rdrtactrs() {
                            cli_view_only, "Rdln: cli_fetch failed with code", 0);
   LFINF.nacline = walk_kept(pl, l, [&](int32_t n) {
     if (!bus_ok(pl, l.ibs) || !bus_ok(pl, l.zbs)) return;
-    int32_t mark = (l.q & 2) ? 3 : (l.q & 1) ? 2 : 1;
-    store_branch(n, l.ibs, l.zbs, l.lnno, mark);
+    store_branch(n, l.ibs, l.zbs, l.lnno, open_mark(l.q));
     store_line_ends(n);
     store_rx(n, l.r1, l.x1, l.bch, 1.0);
     strc2f(l.dv, kTextWidth);
@@ -211,7 +210,7 @@ void rdrtactrs() {
   LFINF.nacline += walk_kept(pc, c, [&](int32_t k) {
     int32_t n = lines + k;
     if (!bus_ok(pc, c.ibs)) return;
-    store_branch(n, c.ibs, c.ibs, c.cpno, 1);
+    store_branch(n, c.ibs, c.ibs, c.cpno, kInService);
     store_line_ends(n);
     store_rx(n, c.r1, c.x1, 0.0, 1.0);
     IJB.LOSSAREA[n] = 0;
@@ -228,7 +227,7 @@ void rdrtactrs() {
   LFINF.ntrans = walk_kept(px, x, [&](int32_t t) {
     int32_t n = LFINF.nacline + t;
     if (!bus_ok(px, x.ibs) || !bus_ok(px, x.zbs)) return;
-    store_branch(n, x.ibs, x.zbs, x.xfno, 1);
+    store_branch(n, x.ibs, x.zbs, x.xfno, kInService);
     L3P.I[t] = x.ibs;
     L3P.J[t] = x.zbs;
     L3P.No[t] = x.xfno;

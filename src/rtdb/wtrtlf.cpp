@@ -172,7 +172,7 @@ void wtrttrs() {
     int32_t ni = node(x.ibs), nj = node(x.zbs);
     // A transformer under a user-defined model carries the model's output
     // at its two ends.
-    if (L3P.mode_ctrl[t] == 1 || L3P.mode_ctrl[t] == 2) {
+    if (L3P.mode_ctrl[t] == kXfRatioKept || L3P.mode_ctrl[t] == kXfHoldsP) {
       f.pij -= injection(LFUDOT.UDPINJ, ni);
       f.qij -= injection(LFUDOT.UDQINJ, ni);
       f.pji += injection(LFUDOT.UDPINJ, nj);

@@ -175,16 +175,21 @@ struct RXRec {    // RXB, RXC: by the row of IJB, IJC
 struct IJOPENRec {        // the branches as read, by row of .L2/.L3 (or ln, cp, xf)
   Arr<int32_t> I, J, No;  // ends (case buses) and number as read; read by dwsubij and
                           // the reports, which find each row's branch again
-  Arr<int32_t> mark;      // 1 in service; 2 open at the I end; 3 open at the J end
+  Arr<int32_t> mark;      // kInService, kOpenAtI or kOpenAtJ
   void grow(std::size_t n);
 };
+
+// The marks of a branch row as read (IJOPEN.mark, the first field of .L2).
+constexpr int32_t kInService = 1;
+constexpr int32_t kOpenAtI = 2;  // the I end is open
+constexpr int32_t kOpenAtJ = 3;  // the J end is open
 
 // L2P, L3P: the control data of branches for the user-defined models (and
 // the database writer's transformer control); written by the readers, read
 // by the models (control/), the reports and the database writer.
 struct L2PRec {            // by branch row
   Arr<double> value_ctrl;  // set-point of the control
-  Arr<int32_t> mode_ctrl;  // control mode of the branch (not a bus type)
+  Arr<int32_t> mode_ctrl;  // control mode kLine... of the branch (not a bus type)
   Arr<int32_t> par_group;  // parallel group
   Arr<int32_t> ibs_ctrl;   // bus whose quantity is controlled
   Arr<int32_t> line_ctrl;  // branch whose quantity is controlled
@@ -192,10 +197,21 @@ struct L2PRec {            // by branch row
   void grow(std::size_t n);
 };
 
+// The control modes of a line row (L2P.mode_ctrl), each made into standard
+// models when ctrl_ud is on; another value controls nothing.
+constexpr int32_t kLineHoldsVoltage = 1;  // the voltage of bus ibs_ctrl
+constexpr int32_t kLineHoldsP = 2;        // the active flow of line line_ctrl
+constexpr int32_t kLineHoldsQ = 3;        // the reactive flow of line line_ctrl
+// The control modes of a transformer row (L3P.mode_ctrl).
+constexpr int32_t kXfRatioKept = 1;     // the ratio handed to a model that keeps it
+constexpr int32_t kXfHoldsP = 2;        // the ratio moved for the active flow of line_ctrl
+constexpr int32_t kXfHoldsVoltage = 3;  // the ratio holds the voltage of bus ibs_ctrl
+constexpr int32_t kXfHoldsQ = 4;        // the ratio holds the reactive flow of line_ctrl
+
 struct L3PRec {            // by transformer, 1..ntrans
   Arr<double> value_ctrl;  // set-point of the control
   Arr<double> ang_shift;   // phase shift angle as read, degrees; not modelled
-  Arr<int32_t> mode_ctrl;  // control mode (1, 2: a model controls the ratio)
+  Arr<int32_t> mode_ctrl;  // control mode kXf... (1, 2: a model controls the ratio)
   Arr<int32_t> par_group;  // parallel group
   Arr<int32_t> ibs_ctrl;   // bus whose quantity is controlled
   Arr<int32_t> line_ctrl;  // branch whose quantity is controlled

@@ -13,14 +13,14 @@ struct Slot {
   FileForm form = FileForm::Formatted;
 };
 
-std::map<int, Slot>& slots() {
-  static std::map<int, Slot> table;
-  return table;
-}
+// The open units by number, over the whole run: a unit stays open from
+// unit_open to unit_close, across calculations when its owner leaves it
+// open.  Written by unit_open and unit_close, read by every unit operation.
+std::map<int, Slot> UNITS;
 
 Slot* find(int unit) {
-  auto it = slots().find(unit);
-  return it == slots().end() ? nullptr : &it->second;
+  auto it = UNITS.find(unit);
+  return it == UNITS.end() ? nullptr : &it->second;
 }
 
 std::FILE* file_of(int unit, FileForm form) {
@@ -64,16 +64,16 @@ bool unit_open(int unit, std::string_view path, FileStatus status, FileForm form
       break;
   }
   if (!f) return false;
-  slots()[unit] = Slot{f, p, form};
+  UNITS[unit] = Slot{f, p, form};
   return true;
 }
 
 void unit_close(int unit, bool del) {
-  auto it = slots().find(unit);
-  if (it == slots().end()) return;
+  auto it = UNITS.find(unit);
+  if (it == UNITS.end()) return;
   std::fclose(it->second.f);
   if (del) std::remove(it->second.path.c_str());
-  slots().erase(it);
+  UNITS.erase(it);
 }
 
 bool unit_is_open(int unit) {

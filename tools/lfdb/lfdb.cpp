@@ -21,6 +21,7 @@
 #include "casefile/readers.hpp"
 #include "cmdline.hpp"
 #include "io/channels.hpp"
+#include "rtdb/pass.hpp"
 #include "rtdb/rtdbls.hpp"
 #include "rtdb/rtlfcase.hpp"
 #include "store/store.hpp"
@@ -175,7 +176,7 @@ bool write_branches(int s) {
       l.r1 = static_cast<float>(RXB.R[k]);
       l.x1 = static_cast<float>(RXB.X[k]);
       l.bch = static_cast<float>(RXB.B[k]);
-      l.q = IJOPEN.mark[k] == 3 ? 2 : IJOPEN.mark[k] == 2 ? 1 : 0;
+      l.q = open_bits(IJOPEN.mark[k]);
       put_control(l, L2P.mode_ctrl[k], L2P.ibs_ctrl[k], L2P.line_ctrl[k], L2P.value_ctrl[k]);
       l.par_group = L2P.par_group[k];
       if (!insert(s, "ln", bindln, l)) return false;

@@ -58,7 +58,7 @@ Limits limits(const FileRead& file, const char* hi, const char* lo) {
 
 void inverted(const FileRead& file, const Record& r, const Limits& l, const std::string& tail,
               Warnings& w) {
-  const double h = r.reals[l.hi_at], lo = r.reals[l.lo_at];
+  const double h = r.values[l.hi_at].r, lo = r.values[l.lo_at].r;
   if (h < lo)
     w.push_back(where(file, r) + ": " + l.hi + " " + num(h) + " is below " + l.lo + " " + num(lo) +
                 tail);
@@ -69,10 +69,10 @@ void branches(const Family& f, const FileRead& file, Warnings& w) {
   const std::size_t i_at = l.at("I"), j_at = l.at("J"), r_at = l.at("R"), x_at = l.at("X");
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    const int32_t i = end_bus(r.ints[i_at]), j = end_bus(r.ints[j_at]);
+    const int32_t i = end_bus(r.values[i_at].i), j = end_bus(r.values[j_at].i);
     bus_in_case(f, file, r, i, w);
     if (j != i) bus_in_case(f, file, r, j, w);
-    const double R = r.reals[r_at], X = r.reals[x_at];
+    const double R = r.values[r_at].r, X = r.values[x_at].r;
     const auto branch = [&] { return "branch " + std::to_string(i) + "-" + std::to_string(j); };
     if (R == 0 && X == 0)
       w.push_back(where(file, r) + ": " + branch() + " has no impedance (R = X = 0): it carries " +
@@ -87,7 +87,7 @@ void rows(const Family& f, const FileRead& file, Warnings& w) {
   const Limits q = limits(file, "Qmax", "Qmin"), p = limits(file, "Pmax", "Pmin");
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    bus_in_case(f, file, r, r.ints[ibs], w);
+    bus_in_case(f, file, r, r.values[ibs].i, w);
     inverted(file, r, q, "", w);
     inverted(file, r, p, "", w);
   }
@@ -132,7 +132,7 @@ void check_records(const Family& f, Warnings& w) {
   const Limits kv = limits(f.l1, "vmax_kv", "vmin_kv");
   for (const Record& r : f.l1.records) {
     if (!f.reads(f.l1)) break;
-    if (r.reals[kv.hi_at] != 0 && r.reals[kv.lo_at] != 0)
+    if (r.values[kv.hi_at].r != 0 && r.values[kv.lo_at].r != 0)
       inverted(f.l1, r, kv, ": the engine takes the case's default limits", w);
   }
   branches(f, f.l2, w);

@@ -14,8 +14,7 @@ Record blank(const Layout& l, int32_t number, long line) {
   Record r;
   r.number = number;
   r.line = line;
-  r.ints.assign(l.fields, 0);
-  r.reals.assign(l.fields, 0.0);
+  r.values.assign(l.fields, {});
   if (l.texts) r.texts.assign(l.fields, {});
   return r;
 }
@@ -35,8 +34,8 @@ bool read_statement(FreeReader& in, const Layout& l, std::size_t s, std::size_t 
   std::array<ReadItem, kMostFields> items;
   std::size_t k = first;
   for (const Field& f : l.statements[s]) {
-    items[k - first] = f.kind == 'I'   ? ReadItem::of(r.ints[k])
-                       : f.kind == 'R' ? ReadItem::of(r.reals[k])
+    items[k - first] = f.kind == 'I'   ? ReadItem::of(r.values[k].i)
+                       : f.kind == 'R' ? ReadItem::of(r.values[k].r)
                                        : ReadItem::of(r.texts[k]);
     ++k;
   }
@@ -75,9 +74,9 @@ bool FileRead::kept(const Record& r) const {
     case Keep::All:
       return true;
     case Keep::AboveZero:
-      return r.ints[keep_at] > 0;
+      return r.values[keep_at].i > 0;
     case Keep::One:
-      return r.ints[keep_at] == 1;
+      return r.values[keep_at].i == 1;
   }
   return true;
 }
@@ -125,13 +124,14 @@ FileRead read_switches(const std::string& path, Warnings& w) {
   for (;;) {
     Record g = blank(*groups.layout, 0, in.line_number() + 1);
     if (!read_record(in, groups, g, w)) return f;
-    const int32_t group = g.ints[0];
+    const int32_t group = g.values[0].i;
     if (group < 1) continue;
     for (;;) {
       Record r = blank(*f.layout, number + 1, in.line_number() + 1);
       if (!read_record(in, f, r, w)) return f;
       ++number;
-      if (r.ints[0] == 0 && r.ints[1] == 0 && r.ints[2] == 0 && r.ints[3] == 0) break;
+      if (r.values[0].i == 0 && r.values[1].i == 0 && r.values[2].i == 0 && r.values[3].i == 0)
+        break;
       r.group = group;
       f.records.push_back(std::move(r));
     }
@@ -146,17 +146,17 @@ FileRead read_library(const std::string& path, Warnings& w) {
   Record h = blank(*head.layout, 1, 1);
   if (!f.present || !read_record(in, head, h, w)) return f;
   int64_t sections = 0;  // lines of the eight sections, one record a line
-  for (int k = 0; k < 8; ++k) sections += std::max(h.ints[k], 0);
+  for (int k = 0; k < 8; ++k) sections += std::max(h.values[k].i, 0);
   for (int64_t r = 0; r < sections; ++r) {
     if (in.skip()) continue;
     w.push_back(path + ": the file ends inside the sections before the parameter sets");
     return f;
   }
-  for (int32_t k = 1; k <= h.ints[8]; ++k) {
+  for (int32_t k = 1; k <= h.values[8].i; ++k) {
     Record r = blank(*f.layout, k, in.line_number() + 1);
     if (!read_record(in, f, r, w)) {
       if (in.at_end() && in.failed_item() <= 1)
-        w.push_back(path + ": the header announces " + std::to_string(h.ints[8]) +
+        w.push_back(path + ": the header announces " + std::to_string(h.values[8].i) +
                     " parameter sets, the file holds " + std::to_string(k - 1));
       return f;
     }

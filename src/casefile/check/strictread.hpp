@@ -17,11 +17,15 @@ using Warnings = std::vector<std::string>;
 
 // One record as read; its fields by position in the layout.
 struct Record {
-  int32_t number = 0;              // place in the file, from 1, dropped records included
-  long line = 0;                   // line of the file where it starts, from 1
-  int32_t group = 0;               // .L13: the group (substation bus) it belongs to
-  std::vector<int32_t> ints;       // integer fields (0 at other positions)
-  std::vector<double> reals;       // real fields (0 at other positions)
+  int32_t number = 0;  // place in the file, from 1, dropped records included
+  long line = 0;       // line of the file where it starts, from 1
+  int32_t group = 0;   // .L13: the group (substation bus) it belongs to
+  // A field's value: i for an integer field, r for a real one (the other 0).
+  struct Value {
+    int32_t i = 0;
+    double r = 0;
+  };
+  std::vector<Value> values;       // by position in the layout
   std::vector<std::string> texts;  // text fields (empty at other positions; none at all
                                    // in a layout without text fields)
 };
@@ -37,9 +41,11 @@ struct FileRead {
   std::size_t keep_at = 0;
   std::vector<Record> records;  // the records the engine's reader takes
   int32_t integer(const Record& r, std::string_view field) const {
-    return r.ints[layout->at(field)];
+    return r.values[layout->at(field)].i;
   }
-  double real(const Record& r, std::string_view field) const { return r.reals[layout->at(field)]; }
+  double real(const Record& r, std::string_view field) const {
+    return r.values[layout->at(field)].r;
+  }
   const std::string& text(const Record& r, std::string_view field) const {
     return r.texts[layout->at(field)];
   }
