@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 #include "driver/engine_fixture.hpp"
@@ -16,17 +17,15 @@ namespace {
 
 using Memory = EngineTest;
 
+#if !defined(__SANITIZE_ADDRESS__)
 // A chain of n buses, a slack at the first and a load at the last.
 void write_chain_case(int n) {
   write_file("LF.L0", std::to_string(n) + " " + std::to_string(n - 1) +
                           " 0 0 1 1 0 0 0 0 0\n100.0 1.1 0.9 0.0001 1 20 0 0 0 0\n");
-  std::string buses, lines;
-  for (int i = 1; i <= n; ++i) buses += "'B" + std::to_string(i) + "' 110.0 1 121.0 99.0\n";
+  std::ofstream buses("LF.L1"), lines("LF.L2");
+  for (int i = 1; i <= n; ++i) buses << "'B" << i << "' 110.0 1 121.0 99.0\n";
   for (int i = 1; i < n; ++i)
-    lines +=
-        "1 " + std::to_string(i) + " " + std::to_string(i + 1) + " 1 0.0001 0.001 0 0 0 0 0 0 0\n";
-  write_file("LF.L1", buses);
-  write_file("LF.L2", lines);
+    lines << "1 " << i << ' ' << i + 1 << " 1 0.0001 0.001 0 0 0 0 0 0 0\n";
   write_file("LF.L6", "1 " + std::to_string(n) + " 1 1 0.5 0.2 1.0 0 0 0 0 0 0 0 0 0\n");
 }
 
@@ -40,17 +39,15 @@ void cap_address_space(unsigned long long spare) {
   const rlimit cap{pages * 4096 + spare, RLIM_INFINITY};
   if (pages == 0 || setrlimit(RLIMIT_AS, &cap) != 0) std::_Exit(99);
 }
+#endif
 
 TEST_F(Memory, AFailedAllocationEndsTheCalculationWithAStopTextAndStatusOne) {
-  // The child is started anew (not forked) so that it sees the sanitizer
-  // options set here: under the address checker a failed allocation then
-  // comes back empty instead of ending the process with a report, and the
-  // child, which stops halfway on purpose, is not checked for leaks.
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const char* given = std::getenv("ASAN_OPTIONS");
-  const std::string options =
-      std::string(given ? given : "") + ":allocator_may_return_null=1:detect_leaks=0";
-  setenv("ASAN_OPTIONS", options.c_str(), 1);
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the address checker cannot run in a capped address space (its own mappings "
+                  "fail and it hangs in its report), and a failed operator new under it ends the "
+                  "process with its report whatever its options say";
+#else
+  // The child runs the calculation in an address space capped after start-up.
   write_chain_case(200000);
   EXPECT_EXIT(
       {
@@ -59,6 +56,7 @@ TEST_F(Memory, AFailedAllocationEndsTheCalculationWithAStopTextAndStatusOne) {
         std::exit(cal(0));
       },
       ::testing::ExitedWithCode(1), "LFCal: out of memory");
+#endif
 }
 
 }  // namespace
