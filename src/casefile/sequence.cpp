@@ -12,7 +12,9 @@ void read_case(CaseSource& source) {
   source.control();
   clamp_counts();
   if (source.ok() && LFINF.nbus > 0) source.buses();
-  if (source.ok() && LFINF.nacline + LFINF.ntrans > 0) source.branches();
+  // Until the branches are read the two counts are those of the control
+  // record and may each be as large as an int holds: test them one by one.
+  if (source.ok() && (LFINF.nacline > 0 || LFINF.ntrans > 0)) source.branches();
   if (source.ok() && LFINF.ndcline > 0) source.dc_lines();
   if (source.ok() && LFINF.ngenerat > 0) source.generators();
   if (source.ok() && LFINF.nload > 0) source.loads();
@@ -26,7 +28,7 @@ void read_case(CaseSource& source) {
   if (source.ok() && LFINF.nload > 0) isrlib(flag);
   if (source.ok() && flag > 0) source.load_library();
   if (source.ok() && LFINF.nload > 0) check_load_types(source.load_origin());
-  NO.nbranch = LFINF.nacline + LFINF.ntrans;
+  NO.nbranch = source.ok() ? LFINF.nacline + LFINF.ntrans : 0;
   NO.ndc = LFINF.ndcline;
 }
 
