@@ -3,19 +3,17 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "support/numparse.hpp"
+#include "support/wholefile.hpp"
 
 namespace lf {
 
 bool FreeReader::open(const std::string& path) {
   close();
-  std::FILE* f = std::fopen(path.c_str(), "rb");
-  if (!f) return false;
-  char chunk[1 << 16];
-  for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data_.append(chunk, n);
-  std::fclose(f);
+  if (!read_whole_file(path, data_)) return false;
   open_ = true;
   // A UTF-8 byte-order mark in front of the first line is no part of it.
   if (data_.compare(0, 3, "\xEF\xBB\xBF") == 0) pos_ = 3;
@@ -71,30 +69,19 @@ bool is_digit(char c) {
 }
 
 bool to_int(std::string_view t, int32_t& out) {
-  if (t.empty()) return false;
-  std::size_t i = (t[0] == '+' || t[0] == '-') ? 1 : 0;
-  if (i == t.size()) return false;
-  for (std::size_t k = i; k < t.size(); ++k)
-    if (!is_digit(t[k])) return false;
-  if (t[0] == '+') t.remove_prefix(1);
+  const char* last = t.data() + t.size();
   int32_t v = 0;
-  if (std::from_chars(t.data(), t.data() + t.size(), v).ec != std::errc()) return false;
+  if (quick_int(t.data(), last, v) != last) return false;
   out = v;
   return true;
 }
 
 bool to_real(std::string_view t, double& out) {
   if (t.empty()) return false;
-  // The common case in one pass: a whole token that converts to a normal
-  // number can only be made of digits, signs, a point and an exponent, and
-  // converts the same in the full way below.
   {
-    const char* first = t.data();
-    const char* last = first + t.size();
-    if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
+    const char* last = t.data() + t.size();
     double v = 0;
-    const auto quick = std::from_chars(first, last, v);
-    if (quick.ec == std::errc() && quick.ptr == last && std::isnormal(v)) {
+    if (quick_real(t.data(), last, v, Exponents::EorD) == last) {
       out = v;
       return true;
     }
@@ -159,6 +146,43 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
   return false;
 }
 
+constexpr std::size_t kNotPlain = std::string_view::npos;
+
+// Takes the plain value at buf[pos] (not blank) into its item: a number that
+// converts quickly, or a text without quote or star, either up to a
+// separator or the line's end.  Gives the position after it, or kNotPlain
+// when the value is not of that kind and the item is left alone.
+std::size_t plain(const ReadItem& it, std::string_view buf, std::size_t pos) {
+  const char* first = buf.data() + pos;
+  const char* last = buf.data() + buf.size();
+  const auto ends = [&](const char* p) { return p != nullptr && (p == last || ends_value(*p)); };
+  switch (it.kind) {
+    case ReadItem::Kind::Int: {
+      int32_t v = 0;
+      const char* p = quick_int(first, last, v);
+      if (!ends(p)) return kNotPlain;
+      *static_cast<int32_t*>(it.p) = v;
+      return static_cast<std::size_t>(p - buf.data());
+    }
+    case ReadItem::Kind::Real: {
+      double v = 0;
+      const char* p = quick_real(first, last, v, Exponents::EorD);
+      if (!ends(p)) return kNotPlain;
+      *static_cast<double*>(it.p) = v;
+      return static_cast<std::size_t>(p - buf.data());
+    }
+    case ReadItem::Kind::Chars:
+    case ReadItem::Kind::String:
+      if (*first == '\'' || *first == '"' || *first == ',') return kNotPlain;
+      const char* p = first;
+      for (; p != last && !ends_value(*p); ++p)
+        if (*p == '*') return kNotPlain;
+      store(it, std::string_view(first, static_cast<std::size_t>(p - first)), false);
+      return static_cast<std::size_t>(p - buf.data());
+  }
+  return kNotPlain;
+}
+
 }  // namespace
 
 bool FreeReader::read(std::span<const ReadItem> items) {
@@ -191,26 +215,15 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       quoted = false;
       null = false;
       repeat = 1;
-      // A plain value, the common case, taken in one scan; a quote, a null
-      // or a star leaves it to the full rules below.
-      std::size_t end = pos;
-      bool plain = c != '\'' && c != '"' && c != ',';
-      if (plain) {
-        while (end < buf.size() && !ends_value(buf[end])) {
-          if (buf[end] == '*') plain = false;
-          ++end;
-        }
-      }
-      if (plain) {
-        value = buf.substr(pos, end - pos);
+      // A plain value, the common case, taken in one scan: a number
+      // converted as its end is found, or a text up to the next separator.
+      // A quote, a null, a star or a number that needs the full conversion
+      // leaves it to the rules below.
+      if (const std::size_t end = plain(it, buf, pos); end != kNotPlain) {
         pos = end;
         while (pos < buf.size() && is_blank(buf[pos])) ++pos;
         if (pos < buf.size() && buf[pos] == ',') ++pos;
         --repeat;
-        if (!store(it, value, false)) {
-          bad_text_.assign(value);
-          return false;
-        }
         continue;
       }
       // r*value or r*: a repeat count in front of a star.
@@ -229,7 +242,14 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       }
       if (!null) {
         char q = buf[pos];
-        if (q == '\'' || q == '"') {
+        const bool is_quote = q == '\'' || q == '"';
+        const std::size_t close = is_quote ? buf.find(q, pos + 1) : std::string_view::npos;
+        if (close != std::string_view::npos && (close + 1 == buf.size() || buf[close + 1] != q)) {
+          // A quoted text on one line without doubled quotes: as it stands.
+          quoted = true;
+          value = buf.substr(pos + 1, close - pos - 1);
+          pos = close + 1;
+        } else if (is_quote) {
           quoted = true;
           quoted_text.clear();
           ++pos;
