@@ -72,17 +72,16 @@ const char* quick_real(const char* p, const char* last, double& value, Exponents
 
 const char* quick_int(const char* p, const char* last, int32_t& value) {
   constexpr uint64_t kMost = uint64_t{1} << 31;  // the magnitude of INT32_MIN
+  constexpr std::ptrdiff_t kMostDigits32 = 10;   // digits of kMost
   const bool negative = p != last && *p == '-';
   if (p != last && (*p == '-' || *p == '+')) ++p;
   const char* start = p;
+  while (p != last && *p == '0') ++p;
   uint64_t v = 0;
-  for (; p != last && is_digit(*p); ++p) {
-    v = v * 10 + static_cast<uint64_t>(*p - '0');
-    if (v > kMost) return nullptr;
-  }
-  if (p == start || v > kMost - (negative ? 0 : 1)) return nullptr;
+  const char* end = digits_into(p, last, v);
+  if (end == start || end - p > kMostDigits32 || v > kMost - (negative ? 0 : 1)) return nullptr;
   value = static_cast<int32_t>(negative ? -static_cast<int64_t>(v) : static_cast<int64_t>(v));
-  return p;
+  return end;
 }
 
 }  // namespace lf
