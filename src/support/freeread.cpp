@@ -1,5 +1,6 @@
 #include "support/freeread.hpp"
 
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -58,11 +59,21 @@ bool FreeReader::line(std::string& out) {
 
 namespace {
 
+// What a character is to the reader, one bit each: a blank (space, tab),
+// or any character that ends a value (a blank, a comma, a slash).
+constexpr unsigned char kBlank = 1, kEnds = 2;
+constexpr std::array<unsigned char, 256> kClass = [] {
+  std::array<unsigned char, 256> c{};
+  c[' '] = c['\t'] = kBlank | kEnds;
+  c[','] = c['/'] = kEnds;
+  return c;
+}();
+
 bool is_blank(char c) {
-  return c == ' ' || c == '\t';
+  return (kClass[static_cast<unsigned char>(c)] & kBlank) != 0;
 }
 bool ends_value(char c) {
-  return is_blank(c) || c == ',' || c == '/';
+  return (kClass[static_cast<unsigned char>(c)] & kEnds) != 0;
 }
 bool is_digit(char c) {
   return c >= '0' && c <= '9';
