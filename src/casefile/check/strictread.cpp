@@ -108,21 +108,19 @@ FileRead unread(const std::string& path, std::string_view ext) {
   return f;
 }
 
-FileRead read_records(const std::string& path, std::string_view ext, Warnings& w) {
+FileRead read_records(const std::string& path, std::string_view ext, FreeReader& in, Warnings& w) {
   FileRead f = unread(path, ext);
-  FreeReader in;
-  f.present = in.open(path);
+  f.present = in.is_open();
   if (!f.present) return f;
   for (int32_t number = 1; read_record(in, f, number, w); ++number)
     if (ext == ".L0") return f;  // its one record; the rest is not read
   return f;
 }
 
-FileRead read_switches(const std::string& path, Warnings& w) {
+FileRead read_switches(const std::string& path, FreeReader& in, Warnings& w) {
   FileRead f = unread(path, ".L13");
   FileRead groups = unread(path, ".L13G");  // the group number in front of a group, alone
-  FreeReader in;
-  f.present = in.open(path);
+  f.present = in.is_open();
   if (!f.present) return f;
   int32_t number = 0;  // switch records read
   for (;;) {
@@ -143,11 +141,10 @@ FileRead read_switches(const std::string& path, Warnings& w) {
   }
 }
 
-FileRead read_library(const std::string& path, Warnings& w) {
+FileRead read_library(const std::string& path, FreeReader& in, Warnings& w) {
   FileRead head = unread(path, ".DATH");
   FileRead f = unread(path, ".DAT");
-  FreeReader in;
-  f.present = in.open(path);
+  f.present = in.is_open();
   if (!f.present || !read_record(in, head, 1, w)) return f;
   const std::vector<Value>& h = head.values;
   int64_t sections = 0;  // lines of the eight sections, one record a line
