@@ -25,7 +25,7 @@ inline constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e
                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kMostPow10 = 22;
 constexpr uint64_t kExact = uint64_t{1} << 53;  // integers up to this are exact doubles
-constexpr int kMostDigits = 19;                 // significant digits a uint64_t always holds
+constexpr int kMostDigits = 19;                 // digits a uint64_t always holds
 constexpr int kMostExponentDigits = 4;          // longer exponents: left to the full conversion
 
 inline bool is_digit(char c) {
@@ -42,7 +42,7 @@ inline const char* digits_into(const char* p, const char* last, uint64_t& w) {
 
 // An optional sign, digits with at most one point among them (at least one
 // digit), and optionally an exponent letter, an optional sign and digits.
-// Taken when its significant digits form an integer of at most 2^53 and its
+// Taken when its digits, at most 19, form an integer of at most 2^53 and its
 // power of ten is within 10^-22..10^22: one exact operation on two exact
 // doubles, so correctly rounded.  A zero is taken with any short exponent.
 inline const char* quick_real(const char* p, const char* last, double& value,
@@ -50,32 +50,24 @@ inline const char* quick_real(const char* p, const char* last, double& value,
   const bool negative = p != last && *p == '-';
   if (p != last && (*p == '-' || *p == '+')) ++p;
   const char* start = p;
-  while (p != last && *p == '0') ++p;  // leading zeros are no significant digits
-  uint64_t w = 0;                      // the significant digits as an integer
-  const char* end = numparse::digits_into(p, last, w);
-  std::ptrdiff_t digits = end - p;  // significant digits
-  std::ptrdiff_t scale = 0;         // power of ten of the last digit
-  p = end;
+  uint64_t w = 0;  // the digits as an integer
+  p = numparse::digits_into(p, last, w);
+  std::ptrdiff_t digits = p - start;  // leading zeros included
+  std::ptrdiff_t scale = 0;           // power of ten of the last digit
   if (p != last && *p == '.') {
-    const char* point = p++;
-    if (digits == 0)
-      while (p != last && *p == '0') ++p;
-    end = numparse::digits_into(p, last, w);
-    digits += end - p;
-    scale = point + 1 - end;
-    p = end;
-    if (p == point + 1 && point == start) return nullptr;  // a point without digits
-  } else if (p == start) {
-    return nullptr;
+    const char* fraction = ++p;
+    p = numparse::digits_into(p, last, w);
+    digits += p - fraction;
+    scale = fraction - p;
   }
-  if (digits > numparse::kMostDigits || w > numparse::kExact) return nullptr;
+  if (digits == 0 || digits > numparse::kMostDigits || w > numparse::kExact) return nullptr;
   if (p != last &&
       (*p == 'e' || *p == 'E' || (exponents == Exponents::EorD && (*p == 'd' || *p == 'D')))) {
     ++p;
     const bool down = p != last && *p == '-';
     if (p != last && (*p == '-' || *p == '+')) ++p;
     uint64_t e = 0;
-    end = numparse::digits_into(p, last, e);
+    const char* end = numparse::digits_into(p, last, e);
     if (end == p || end - p > numparse::kMostExponentDigits) return nullptr;
     p = end;
     scale += down ? -static_cast<std::ptrdiff_t>(e) : static_cast<std::ptrdiff_t>(e);
@@ -94,14 +86,20 @@ inline const char* quick_real(const char* p, const char* last, double& value,
 // 32 bits.
 inline const char* quick_int(const char* p, const char* last, int32_t& value) {
   constexpr uint64_t kMost = uint64_t{1} << 31;  // the magnitude of INT32_MIN
+  constexpr std::ptrdiff_t kShort = 9;           // digits that always fit
   constexpr std::ptrdiff_t kMostDigits32 = 10;   // digits of kMost
   const bool negative = p != last && *p == '-';
   if (p != last && (*p == '-' || *p == '+')) ++p;
   const char* start = p;
-  while (p != last && *p == '0') ++p;
   uint64_t v = 0;
   const char* end = numparse::digits_into(p, last, v);
-  if (end == start || end - p > kMostDigits32 || v > kMost - (negative ? 0 : 1)) return nullptr;
+  if (end == start) return nullptr;
+  if (end - start > kShort) {  // long: its leading zeros do not count
+    while (p != end && *p == '0') ++p;
+    v = 0;
+    if (numparse::digits_into(p, end, v) - p > kMostDigits32 || v > kMost - (negative ? 0 : 1))
+      return nullptr;
+  }
   value = static_cast<int32_t>(negative ? -static_cast<int64_t>(v) : static_cast<int64_t>(v));
   return end;
 }
