@@ -19,10 +19,11 @@ namespace lf::check {
 
 using Warnings = std::vector<std::string>;
 
-// A field's value: i for an integer field, r for a real one (the other 0).
+// A field's value: i for an integer field, r for a real one (the other 0;
+// Value{} is all zeros).
 struct Value {
-  int32_t i = 0;
-  double r = 0;
+  int32_t i;
+  double r;
 };
 
 // One record as read; its fields stand in its file's arrays (FileRead).
