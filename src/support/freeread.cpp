@@ -214,10 +214,15 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       if (!take_line()) return false;
     }
   };
-  // The separator behind a value: blanks and at most one comma, on this line.
+  // The separator behind a value: blanks and at most one comma, on this
+  // line, and the blanks behind the comma, so that the next value starts
+  // at p unless the line has ended.
   const auto skip_separator = [&] {
     while (p != end && is_blank(*p)) ++p;
-    if (p != end && *p == ',') ++p;
+    if (p != end && *p == ',') {
+      ++p;
+      while (p != end && is_blank(*p)) ++p;
+    }
   };
 
   std::string_view value;
@@ -227,7 +232,7 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   for (const ReadItem& it : items) {
     ++item_;
     if (repeat == 0) {
-      if (!skip_blanks()) return false;
+      if ((p == end || is_blank(*p)) && !skip_blanks()) return false;
       if (*p == '/') return true;
       // A plain value, the common case, taken in one scan: a number
       // converted as its end is found, or a text up to the next separator.

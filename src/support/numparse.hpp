@@ -28,13 +28,13 @@ constexpr uint64_t kExact = uint64_t{1} << 53;  // integers up to this are exact
 constexpr int kMostDigits = 19;                 // digits a uint64_t always holds
 constexpr int kMostExponentDigits = 4;          // longer exponents: left to the full conversion
 
-inline bool is_digit(char c) {
-  return static_cast<unsigned char>(c - '0') < 10;
-}
-
 // The digits from p on, taken into w; gives the end of the digits.
 inline const char* digits_into(const char* p, const char* last, uint64_t& w) {
-  for (; p != last && is_digit(*p); ++p) w = w * 10 + static_cast<uint64_t>(*p - '0');
+  for (; p != last; ++p) {
+    const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};  // above 9: no digit
+    if (d > 9) break;
+    w = w * 10 + d;
+  }
   return p;
 }
 
