@@ -4,6 +4,7 @@
 
 #include "control/blocks.hpp"
 #include "control/blocks_common.hpp"
+#include "support/angles.hpp"
 
 namespace lf {
 
@@ -19,12 +20,6 @@ constexpr double kPackScale = 100000;
 constexpr double kPackUnscale = 1.0E-5;
 constexpr double kAnglePack = 0.1;
 constexpr double kAngleUnpack = 10;
-// Pi and twice pi to the lengths that the angle routines were written with;
-// each keeps its own length on purpose.
-constexpr double kPiDger = 3.1415926535;
-constexpr double kTwoPiDger = 6.283185307;
-constexpr double kPiAngl = 3.14159265;
-constexpr double kHalfPiAngl = 1.570796327;
 
 double pack(double re, double im) {
   const double m = std::trunc(std::sqrt(re * re + im * im) * kPackScale + 0.5);
@@ -46,15 +41,15 @@ void dger(double x, double y, double& ang) {
   if (std::fabs(x) >= kZeroInput) {
     const double a = std::atan(y / x);
     if (x <= 0) {
-      ang = a + kPiDger;
+      ang = a + kPiPhasor;
     } else if (y < 0) {
-      ang = a + kTwoPiDger;
+      ang = a + kTwoPiPhasor;
     } else {
       ang = a;
     }
     return;
   }
-  ang = y > 0 ? 1.57079632675 : y == 0 ? 0.0 : 4.71238898025;
+  ang = y > 0 ? kHalfPiPhasor : y == 0 ? 0.0 : kThreeHalfPiPhasor;
 }
 
 // CMPV: the magnitude of the voltage X1 compensated by the current X2
@@ -100,11 +95,11 @@ void bl48(int32_t mode, int32_t, int32_t iblk) {
   if (std::fabs(x1) > kTinyOutput) {
     a = std::atan(x2 / x1);
     if (x1 < 0) {
-      if (x2 > 0) a = a + kPiAngl;
-      if (x2 < 0) a = a - kPiAngl;
+      if (x2 > 0) a = a + kPiPoint;
+      if (x2 < 0) a = a - kPiPoint;
     }
   } else {
-    a = x2 > 0 ? kHalfPiAngl : x2 == 0 ? 0.0 : -kHalfPiAngl;
+    a = x2 > 0 ? kHalfPiPoint : x2 == 0 ? 0.0 : -kHalfPiPoint;
   }
   blsub(mode, a, 0, iblk);
 }

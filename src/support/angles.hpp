@@ -29,4 +29,15 @@ constexpr double kRadToDegSingle = 57.295780181884766;
 // from its cosine).
 constexpr double kRadToDegDc = 57.29577951;
 
+// Pi and its parts to the lengths that the two angle routines of the
+// user-defined model blocks were written with.  The angle of a phasor in
+// 0 .. 2 pi (packing phasors into one signal):
+constexpr double kPiPhasor = 3.1415926535;
+constexpr double kTwoPiPhasor = 6.283185307;
+constexpr double kHalfPiPhasor = 1.57079632675;
+constexpr double kThreeHalfPiPhasor = 4.71238898025;
+// The angle of a point in -pi .. pi (the ANGL block):
+constexpr double kPiPoint = 3.14159265;
+constexpr double kHalfPiPoint = 1.570796327;
+
 }  // namespace lf
