@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_set>
+#include <vector>
 
 namespace lf {
 
@@ -75,14 +75,12 @@ void clamp_counts() {
 }
 
 void set_loadshare() {
-  LF93.loadshare = 0;
-  std::unordered_set<int32_t> seen;
-  for (int32_t d = 1; d <= LFINF.nload; ++d) {
-    if (!seen.insert(L6.ibs[d]).second) {
-      LF93.loadshare = 1;
-      return;
-    }
-  }
+  // Loads share a bus when a bus number comes twice among them.
+  std::vector<int32_t> buses;
+  buses.reserve(static_cast<std::size_t>(std::max(LFINF.nload, 0)));
+  for (int32_t d = 1; d <= LFINF.nload; ++d) buses.push_back(L6.ibs[d]);
+  std::sort(buses.begin(), buses.end());
+  LF93.loadshare = std::adjacent_find(buses.begin(), buses.end()) != buses.end() ? 1 : 0;
 }
 
 void vstand(double kv, int32_t& level) {

@@ -86,6 +86,7 @@ void rl23(const std::string& path) {
   if (LFINF.nacline != 0) {
     FreeReader in;
     open_mandatory(in, path, ".L2", "*.l2 file not found!");
+    const std::string source = path + ".L2";
     LFINF.nacline = read_marked(
         [&](int32_t k, int32_t& mark) {
           grow_branch_room(k);
@@ -94,8 +95,8 @@ void rl23(const std::string& path) {
                     L2P.line_ctrl[k], L2P.value_ctrl[k]);
         },
         [&](int32_t n, int32_t mark, int32_t r) {
-          check_bus(IJB.I[n], path + ".L2", r);
-          check_bus(IJB.J[n], path + ".L2", r);
+          check_bus(IJB.I[n], source, r);
+          check_bus(IJB.J[n], source, r);
           RXB.T[n] = 1.0;
           IJOPEN.mark[n] = mark;
           IJOPEN.I[n] = L2P.I[n] = IJB.I[n];
@@ -109,7 +110,8 @@ void rl23(const std::string& path) {
   // transformers, whatever .L0 counted.
   const int32_t n0 = LFINF.nacline;
   FreeReader in;
-  if (!in.open(path + ".L3")) {
+  const std::string source = path + ".L3";
+  if (!in.open(source)) {
     LFINF.ntrans = 0;
     return;
   }
@@ -127,9 +129,9 @@ void rl23(const std::string& path) {
         // Only the bus numbers of the ends count, not their signs; the one
         // number without a magnitude in 32 bits is no bus either.
         for (int32_t* end : {&IJB.I[n], &IJB.J[n]}) {
-          if (*end == INT32_MIN) check_bus(*end, path + ".L3", r);
+          if (*end == INT32_MIN) check_bus(*end, source, r);
           *end = std::abs(*end);
-          check_bus(*end, path + ".L3", r);
+          check_bus(*end, source, r);
         }
         RXB.B[n] = 0.0;
         IJOPEN.mark[n] = mark;
@@ -141,7 +143,8 @@ void rl23(const std::string& path) {
 
 void nrl4(const std::string& path) {
   FreeReader in;
-  if (!in.open(path + ".NL4")) {
+  const std::string source = path + ".NL4";
+  if (!in.open(source)) {
     errlist_write("File " + path + ".L4 not found !");
     LFINF.ndcline = 0;
     return;
@@ -165,8 +168,8 @@ void nrl4(const std::string& path) {
         !in(d.pd2_mw[k], d.vd2_kv[k], d.a2min_d[k], d.a20_d[k], d.gam2min_d[k], d.gam20_d[k]))
       break;
     if (mark != kInService) continue;  // only mark 1 counts for a DC line
-    check_bus(d.I[k], path + ".NL4", r);
-    check_bus(d.J[k], path + ".NL4", r);
+    check_bus(d.I[k], source, r);
+    check_bus(d.J[k], source, r);
     m = k;
   }
   LFINF.ndcline = m;
@@ -175,6 +178,7 @@ void nrl4(const std::string& path) {
 void rl5(const std::string& path) {
   FreeReader in;
   open_mandatory(in, path, ".L5", "*.l5 file not found!");
+  const std::string source = path + ".L5";
   LFINF.ngenerat = read_marked(
       [&](int32_t k, int32_t& mark) {
         room_for(k, L5.P.size(), grow_generators);
@@ -183,7 +187,7 @@ void rl5(const std::string& path) {
                   L5P.ibs_ctrl[k], L5P.line_ctrl[k], L5P.value_ctrl[k]);
       },
       [&](int32_t g, int32_t, int32_t r) {
-        check_bus(L5.ibs[g], path + ".L5", r);
+        check_bus(L5.ibs[g], source, r);
         L5.merged[g] = 0;
         if (LF93.ctrl_ud == 0) fold_mode_ctrl(L5.mode_ctrl[g]);
       });
@@ -192,7 +196,8 @@ void rl5(const std::string& path) {
 void rl6(const std::string& path) {
   LFINF.nload = 0;
   FreeReader in;
-  if (in.open(path + ".L6")) {
+  const std::string source = path + ".L6";
+  if (in.open(source)) {
     LFINF.nload = read_marked(
         [&](int32_t k, int32_t& mark) {
           room_for(k, L6.P.size(), grow_loads);
@@ -201,7 +206,7 @@ void rl6(const std::string& path) {
                     L6P.par_group[k], L6P.ibs_ctrl[k], L6P.line_ctrl[k], L6P.value_ctrl[k]);
         },
         [&](int32_t d, int32_t, int32_t r) {
-          check_bus(L6.ibs[d], path + ".L6", r);
+          check_bus(L6.ibs[d], source, r);
           if (LF93.ctrl_ud == 0) fold_mode_ctrl(L6.mode_ctrl[d]);
         });
   }

@@ -3,19 +3,17 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "support/numparse.hpp"
+#include "support/wholefile.hpp"
 
 namespace lf {
 
 bool FreeReader::open(const std::string& path) {
   close();
-  std::FILE* f = std::fopen(path.c_str(), "rb");
-  if (!f) return false;
-  char chunk[1 << 16];
-  for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data_.append(chunk, n);
-  std::fclose(f);
+  if (!read_whole_file(path, data_)) return false;
   open_ = true;
   // A UTF-8 byte-order mark in front of the first line is no part of it.
   if (data_.compare(0, 3, "\xEF\xBB\xBF") == 0) pos_ = 3;
@@ -71,34 +69,16 @@ bool is_digit(char c) {
 }
 
 bool to_int(std::string_view t, int32_t& out) {
-  if (t.empty()) return false;
-  std::size_t i = (t[0] == '+' || t[0] == '-') ? 1 : 0;
-  if (i == t.size()) return false;
-  for (std::size_t k = i; k < t.size(); ++k)
-    if (!is_digit(t[k])) return false;
-  if (t[0] == '+') t.remove_prefix(1);
+  const char* last = t.data() + t.size();
   int32_t v = 0;
-  if (std::from_chars(t.data(), t.data() + t.size(), v).ec != std::errc()) return false;
+  if (quick_int(t.data(), last, v) != last) return false;
   out = v;
   return true;
 }
 
+// A number that the quick conversion did not take.
 bool to_real(std::string_view t, double& out) {
   if (t.empty()) return false;
-  // The common case in one pass: a whole token that converts to a normal
-  // number can only be made of digits, signs, a point and an exponent, and
-  // converts the same in the full way below.
-  {
-    const char* first = t.data();
-    const char* last = first + t.size();
-    if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
-    double v = 0;
-    const auto quick = std::from_chars(first, last, v);
-    if (quick.ec == std::errc() && quick.ptr == last && std::isnormal(v)) {
-      out = v;
-      return true;
-    }
-  }
   // Only digits, signs, a point and an exponent letter make a number; the
   // exponent may be written with D as well as E.
   bool d_exponent = false;
@@ -159,23 +139,74 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
   return false;
 }
 
+// Takes the plain value at p (not blank) into its item: a number that
+// converts quickly, or a text without quote or star, either up to a
+// separator or the line's end.  Gives the end of the value, or nullptr when
+// the value is not of that kind and the item is left alone.
+const char* plain(const ReadItem& it, const char* p, const char* last) {
+  const auto ends = [&](const char* q) { return q == last || ends_value(*q); };
+  switch (it.kind) {
+    case ReadItem::Kind::Int: {
+      int32_t v = 0;
+      const char* q = quick_int(p, last, v);
+      if (q == nullptr || !ends(q)) return nullptr;
+      *static_cast<int32_t*>(it.p) = v;
+      return q;
+    }
+    case ReadItem::Kind::Real: {
+      // A number of many digits converts in the C++ library's correctly
+      // rounded way when the value is a normal one.
+      double v = 0;
+      const char* q = quick_real(p, last, v, Exponents::EorD);
+      if (q == nullptr) {
+        const char* first = p + (*p == '+' && p + 1 != last && p[1] != '+' && p[1] != '-');
+        const auto [ptr, ec] = std::from_chars(first, last, v);
+        q = ec == std::errc() && std::isnormal(v) ? ptr : nullptr;
+      }
+      if (q == nullptr || !ends(q)) return nullptr;
+      *static_cast<double*>(it.p) = v;
+      return q;
+    }
+    case ReadItem::Kind::Chars:
+    case ReadItem::Kind::String: {
+      if (*p == '\'' || *p == '"' || *p == ',') return nullptr;
+      const char* q = p;
+      for (; q != last && !ends_value(*q); ++q)
+        if (*q == '*') return nullptr;
+      store(it, std::string_view(p, static_cast<std::size_t>(q - p)), false);
+      return q;
+    }
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 bool FreeReader::read(std::span<const ReadItem> items) {
-  std::string_view buf;
-  std::size_t pos = 0;
   item_ = 0;
   bad_text_.clear();
-  if (!next_line(buf)) return false;
-
+  std::string_view line;
+  if (!next_line(line)) return false;
+  const char* p = line.data();  // the scan in the present line
+  const char* end = p + line.size();
+  const auto take_line = [&] {
+    if (!next_line(line)) return false;
+    p = line.data();
+    end = p + line.size();
+    return true;
+  };
   // Moves to the next non-blank character, taking further lines as needed.
-  auto skip_blanks = [&]() -> bool {
+  const auto skip_blanks = [&] {
     for (;;) {
-      while (pos < buf.size() && is_blank(buf[pos])) ++pos;
-      if (pos < buf.size()) return true;
-      if (!next_line(buf)) return false;
-      pos = 0;
+      while (p != end && is_blank(*p)) ++p;
+      if (p != end) return true;
+      if (!take_line()) return false;
     }
+  };
+  // The separator behind a value: blanks and at most one comma, on this line.
+  const auto skip_separator = [&] {
+    while (p != end && is_blank(*p)) ++p;
+    if (p != end && *p == ',') ++p;
   };
 
   std::string_view value;
@@ -186,82 +217,72 @@ bool FreeReader::read(std::span<const ReadItem> items) {
     ++item_;
     if (repeat == 0) {
       if (!skip_blanks()) return false;
-      char c = buf[pos];
-      if (c == '/') return true;
+      if (*p == '/') return true;
+      // A plain value, the common case, taken in one scan: a number
+      // converted as its end is found, or a text up to the next separator.
+      // A quote, a null, a star or a number that needs the full conversion
+      // leaves it to the rules below.
+      if (const char* after = plain(it, p, end)) {
+        p = after;
+        skip_separator();
+        continue;
+      }
       quoted = false;
       null = false;
       repeat = 1;
-      // A plain value, the common case, taken in one scan; a quote, a null
-      // or a star leaves it to the full rules below.
-      std::size_t end = pos;
-      bool plain = c != '\'' && c != '"' && c != ',';
-      if (plain) {
-        while (end < buf.size() && !ends_value(buf[end])) {
-          if (buf[end] == '*') plain = false;
-          ++end;
-        }
-      }
-      if (plain) {
-        value = buf.substr(pos, end - pos);
-        pos = end;
-        while (pos < buf.size() && is_blank(buf[pos])) ++pos;
-        if (pos < buf.size() && buf[pos] == ',') ++pos;
-        --repeat;
-        if (!store(it, value, false)) {
-          bad_text_.assign(value);
-          return false;
-        }
-        continue;
-      }
       // r*value or r*: a repeat count in front of a star.
-      std::size_t k = pos;
-      while (k < buf.size() && is_digit(buf[k])) ++k;
-      if (k > pos && k < buf.size() && buf[k] == '*') {
-        const auto count = std::from_chars(buf.data() + pos, buf.data() + k, repeat);
+      const char* k = p;
+      while (k != end && is_digit(*k)) ++k;
+      if (k != p && k != end && *k == '*') {
+        const auto count = std::from_chars(p, k, repeat);
         if (count.ec != std::errc() || repeat < 1) {
-          bad_text_.assign(buf.substr(pos, k + 1 - pos));
+          bad_text_.assign(p, k + 1);
           return false;
         }
-        pos = k + 1;
-        if (pos >= buf.size() || ends_value(buf[pos])) null = true;
-      } else if (c == ',') {
+        p = k + 1;
+        if (p == end || ends_value(*p)) null = true;
+      } else if (*p == ',') {
         null = true;
       }
       if (!null) {
-        char q = buf[pos];
+        const char q = *p;
+        const char* close = nullptr;
         if (q == '\'' || q == '"') {
           quoted = true;
+          close = static_cast<const char*>(
+              std::memchr(p + 1, q, static_cast<std::size_t>(end - p - 1)));
+        }
+        if (close != nullptr && (close + 1 == end || close[1] != q)) {
+          // A quoted text on one line without doubled quotes: as it stands.
+          value = std::string_view(p + 1, static_cast<std::size_t>(close - p - 1));
+          p = close + 1;
+        } else if (quoted) {
           quoted_text.clear();
-          ++pos;
+          ++p;
           for (;;) {
-            if (pos >= buf.size()) {  // a quoted text may go on in the next line
-              if (!next_line(buf)) return false;
-              pos = 0;
+            if (p == end) {  // a quoted text may go on in the next line
+              if (!take_line()) return false;
               continue;
             }
-            if (buf[pos] == q) {
-              if (pos + 1 < buf.size() && buf[pos + 1] == q) {
+            if (*p == q) {
+              if (p + 1 != end && p[1] == q) {
                 quoted_text += q;
-                pos += 2;
+                p += 2;
                 continue;
               }
-              ++pos;
+              ++p;
               break;
             }
-            quoted_text += buf[pos++];
+            quoted_text += *p++;
           }
           value = quoted_text;
         } else {
-          const std::size_t start = pos;
-          while (pos < buf.size() && !ends_value(buf[pos])) ++pos;
-          value = buf.substr(start, pos - start);
+          const char* start = p;
+          while (p != end && !ends_value(*p)) ++p;
+          value = std::string_view(start, static_cast<std::size_t>(p - start));
         }
       }
-      // The separator behind the value: blanks and at most one comma, on this line.
-      while (pos < buf.size() && is_blank(buf[pos])) ++pos;
-      if (pos < buf.size() && buf[pos] == ',') {
-        ++pos;
-      }
+      skip_separator();
     }
     --repeat;
     if (!null && !store(it, value, quoted)) {

@@ -78,15 +78,16 @@ TEST(FreeReader, SlashAndEmptyFieldsLeaveItemsUnchanged) {
 TEST(FreeReader, RealsMatchTheCLibraryBitForBit) {
   for (const std::string& row : test::file_lines(LF_TEST_DATA_DIR "/reals.txt")) {
     std::istringstream tokens(row);
-    std::string kind, token;
-    tokens >> kind;
-    while (tokens >> token) {
-      FreeReader r(write_temp("d", token + "\n"));
+    std::string kind, token, lines;  // the row's tokens, one a line: one read each
+    if (!(tokens >> kind) || kind == "#") continue;
+    while (tokens >> token) lines += token + "\n";
+    FreeReader r(write_temp("d", lines));
+    for (std::istringstream again(lines); again >> token;) {
       double x = 7;
       if (kind == "bad") {
         EXPECT_FALSE(r(x)) << token;
         EXPECT_EQ(x, 7) << token;
-      } else if (kind == "good") {
+      } else if (kind == "good" || kind == "quick") {
         ASSERT_TRUE(r(x)) << token;
         std::string c_text = token;
         for (char& ch : c_text)

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
+
+#include "support/wholefile.hpp"
 
 namespace lf::check {
 
@@ -40,12 +41,8 @@ std::size_t plain_ascii_end(const std::string& text, std::size_t from) {
 }  // namespace
 
 void check_encoding(const std::string& path, Warnings& w) {
-  std::FILE* f = std::fopen(path.c_str(), "rb");
-  if (!f) return;
   std::string text;
-  char chunk[1 << 16];
-  for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) text.append(chunk, n);
-  std::fclose(f);
+  if (!read_whole_file(path, text)) return;
   if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
     w.push_back(path + ": starts with a UTF-8 byte-order mark, which the engine passes over");
   if (text.find('\0') != std::string::npos) {

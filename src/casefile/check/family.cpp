@@ -58,8 +58,9 @@ Family read_family(const std::string& stem, const std::string& dat_stem, Warning
   f.l13 = read_switches(stem + ".L13", w);
   for (FileRead* file : {&f.l0, &f.l1, &f.l2, &f.l3, &f.nl4, &f.l5, &f.l6, &f.l7, &f.l10, &f.l13})
     file->read = engine_reads(f, *file);
+  const std::size_t type_at = f.l6.layout->at("mode_ctrl");
   const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
-    return f.uses(f.l6, r) && f.l6.integer(r, "mode_ctrl") >= kTypeFirstLoadSet;
+    return f.uses(f.l6, r) && f.l6.value(r, type_at).i >= kTypeFirstLoadSet;
   });
   f.dat = typed ? read_library(dat_stem + ".DAT", w) : unread(dat_stem + ".DAT", ".DAT");
   f.dat.read = engine_reads(f, f.dat);

@@ -44,7 +44,7 @@ constexpr std::pair<std::string_view, std::string_view> kLayouts[] = {
 };
 
 Layout parse(std::string_view ext, std::string_view text) {
-  Layout l{ext, {{}}, 0, false};
+  Layout l{ext, {{}}, 0, 0};
   std::size_t pos = 0;
   while (pos < text.size()) {
     const std::size_t end = std::min(text.find(' ', pos), text.size());
@@ -57,9 +57,9 @@ Layout parse(std::string_view ext, std::string_view text) {
       if (l.statements.back().size() == kMostFields)
         throw std::logic_error("too many fields in one statement of " + std::string(ext));
       const std::size_t name_end = std::min(text.find(' ', pos), text.size());
-      l.statements.back().push_back({text.substr(pos, name_end - pos), word[0]});
+      l.statements.back().push_back({text.substr(pos, name_end - pos), word[0], l.texts});
       ++l.fields;
-      l.texts = l.texts || word[0] == 'T';
+      if (word[0] == 'T') ++l.texts;
       pos = name_end + 1;
     }
   }
@@ -77,6 +77,13 @@ std::size_t Layout::at(std::string_view name) const {
       ++k;
     }
   throw std::logic_error("no field " + std::string(name) + " in " + std::string(ext));
+}
+
+std::size_t Layout::slot(std::string_view name) const {
+  for (const auto& statement : statements)
+    for (const Field& f : statement)
+      if (f.kind == 'T' && f.name == name) return f.slot;
+  throw std::logic_error("no text field " + std::string(name) + " in " + std::string(ext));
 }
 
 const Layout& layout(std::string_view ext) {

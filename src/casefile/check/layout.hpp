@@ -12,6 +12,7 @@ namespace lf::check {
 struct Field {
   std::string_view name;  // as in the file formats ("I", "basekv", ...)
   char kind;              // 'I' integer, 'R' real, 'T' text
+  std::size_t slot = 0;   // a text field: its place among the record's text fields, from 0
 };
 
 // Fields of one read statement at most.
@@ -21,9 +22,11 @@ struct Layout {
   std::string_view ext;                        // ".L2"
   std::vector<std::vector<Field>> statements;  // the read statements of one record
   std::size_t fields = 0;                      // fields of all statements together
-  bool texts = false;                          // whether any field is a text
+  std::size_t texts = 0;                       // text fields of all statements together
   // Position of a field among all fields of a record, from 0.
   std::size_t at(std::string_view name) const;
+  // Place of a text field among the text fields of a record, from 0.
+  std::size_t slot(std::string_view name) const;
 };
 
 // The layout of a file by its extension: ".L0", ".L1", ".L2", ".L3", ".NL4",

@@ -58,7 +58,7 @@ Limits limits(const FileRead& file, const char* hi, const char* lo) {
 
 void inverted(const FileRead& file, const Record& r, const Limits& l, const std::string& tail,
               Warnings& w) {
-  const double h = r.values[l.hi_at].r, lo = r.values[l.lo_at].r;
+  const double h = file.value(r, l.hi_at).r, lo = file.value(r, l.lo_at).r;
   if (h < lo)
     w.push_back(where(file, r) + ": " + l.hi + " " + num(h) + " is below " + l.lo + " " + num(lo) +
                 tail);
@@ -69,10 +69,10 @@ void branches(const Family& f, const FileRead& file, Warnings& w) {
   const std::size_t i_at = l.at("I"), j_at = l.at("J"), r_at = l.at("R"), x_at = l.at("X");
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    const int32_t i = end_bus(r.values[i_at].i), j = end_bus(r.values[j_at].i);
+    const int32_t i = end_bus(file.value(r, i_at).i), j = end_bus(file.value(r, j_at).i);
     bus_in_case(f, file, r, i, w);
     if (j != i) bus_in_case(f, file, r, j, w);
-    const double R = r.values[r_at].r, X = r.values[x_at].r;
+    const double R = file.value(r, r_at).r, X = file.value(r, x_at).r;
     const auto branch = [&] { return "branch " + std::to_string(i) + "-" + std::to_string(j); };
     if (R == 0 && X == 0)
       w.push_back(where(file, r) + ": " + branch() + " has no impedance (R = X = 0): it carries " +
@@ -87,7 +87,7 @@ void rows(const Family& f, const FileRead& file, Warnings& w) {
   const Limits q = limits(file, "Qmax", "Qmin"), p = limits(file, "Pmax", "Pmin");
   for (const Record& r : file.records) {
     if (!f.uses(file, r)) continue;
-    bus_in_case(f, file, r, r.values[ibs].i, w);
+    bus_in_case(f, file, r, file.value(r, ibs).i, w);
     inverted(file, r, q, "", w);
     inverted(file, r, p, "", w);
   }
@@ -95,8 +95,9 @@ void rows(const Family& f, const FileRead& file, Warnings& w) {
 
 void load_types(const Family& f, Warnings& w) {
   const auto sets = static_cast<int32_t>(f.dat.records.size());
+  const std::size_t type_at = f.l6.layout->at("mode_ctrl");
   for (const Record& r : f.l6.records) {
-    const int32_t type = f.l6.integer(r, "mode_ctrl");
+    const int32_t type = f.l6.value(r, type_at).i;
     if (!f.uses(f.l6, r) || type < kTypeFirstLoadSet || type <= sets) continue;
     std::string says = where(f.l6, r) + ": load type " + std::to_string(type);
     if (!f.dat.present)
@@ -132,15 +133,16 @@ void check_records(const Family& f, Warnings& w) {
   const Limits kv = limits(f.l1, "vmax_kv", "vmin_kv");
   for (const Record& r : f.l1.records) {
     if (!f.reads(f.l1)) break;
-    if (r.values[kv.hi_at].r != 0 && r.values[kv.lo_at].r != 0)
+    if (f.l1.value(r, kv.hi_at).r != 0 && f.l1.value(r, kv.lo_at).r != 0)
       inverted(f.l1, r, kv, ": the engine takes the case's default limits", w);
   }
   branches(f, f.l2, w);
   branches(f, f.l3, w);
+  const std::size_t i_at = f.nl4.layout->at("I"), j_at = f.nl4.layout->at("J");
   for (const Record& r : f.nl4.records) {
     if (!f.uses(f.nl4, r)) continue;
-    bus_in_case(f, f.nl4, r, f.nl4.integer(r, "I"), w);
-    bus_in_case(f, f.nl4, r, f.nl4.integer(r, "J"), w);
+    bus_in_case(f, f.nl4, r, f.nl4.value(r, i_at).i, w);
+    bus_in_case(f, f.nl4, r, f.nl4.value(r, j_at).i, w);
   }
   rows(f, f.l5, w);
   rows(f, f.l6, w);

@@ -15,19 +15,18 @@ namespace lf::check {
 
 using Warnings = std::vector<std::string>;
 
-// One record as read; its fields by position in the layout.
+// A field's value: i for an integer field, r for a real one (the other 0).
+struct Value {
+  int32_t i = 0;
+  double r = 0;
+};
+
+// One record as read; its fields stand in its file's arrays (FileRead).
 struct Record {
-  int32_t number = 0;  // place in the file, from 1, dropped records included
-  long line = 0;       // line of the file where it starts, from 1
-  int32_t group = 0;   // .L13: the group (substation bus) it belongs to
-  // A field's value: i for an integer field, r for a real one (the other 0).
-  struct Value {
-    int32_t i = 0;
-    double r = 0;
-  };
-  std::vector<Value> values;       // by position in the layout
-  std::vector<std::string> texts;  // text fields (empty at other positions; none at all
-                                   // in a layout without text fields)
+  int32_t number = 0;     // place in the file, from 1, dropped records included
+  long line = 0;          // line of the file where it starts, from 1
+  int32_t group = 0;      // .L13: the group (substation bus) it belongs to
+  std::size_t index = 0;  // place among the records of FileRead::records, from 0
 };
 
 struct FileRead {
@@ -40,14 +39,22 @@ struct FileRead {
   enum class Keep { All, AboveZero, One } keep = Keep::All;
   std::size_t keep_at = 0;
   std::vector<Record> records;  // the records the engine's reader takes
+  // The fields of the records, record after record: layout->fields values
+  // each (by position in the layout) and layout->texts texts each (by slot).
+  // Written by the reading, read through the accessors below.
+  std::vector<Value> values;
+  std::vector<std::string> texts;
+  const Value& value(const Record& r, std::size_t at) const {
+    return values[r.index * layout->fields + at];
+  }
   int32_t integer(const Record& r, std::string_view field) const {
-    return r.values[layout->at(field)].i;
+    return value(r, layout->at(field)).i;
   }
   double real(const Record& r, std::string_view field) const {
-    return r.values[layout->at(field)].r;
+    return value(r, layout->at(field)).r;
   }
   const std::string& text(const Record& r, std::string_view field) const {
-    return r.texts[layout->at(field)];
+    return texts[r.index * layout->texts + layout->slot(field)];
   }
   // Whether the engine keeps a record: its mark above 0 (for .NL4 equal to
   // 1, for .L13 its valid above 0); files without a mark keep every record.

@@ -50,10 +50,12 @@ bool in_case(int32_t b, int32_t n) {
 
 void join_branches(const Family& f, const FileRead& file, Islands& isl) {
   const int32_t n = f.nbus();
+  const Layout& l = *file.layout;
+  const std::size_t mark = l.at("mark"), i_at = l.at("I"), j_at = l.at("J");
   for (const Record& r : file.records) {
     // Only a branch in service at both ends (mark 1) joins its buses.
-    if (!f.uses(file, r) || file.integer(r, "mark") != 1) continue;
-    const int32_t i = end_bus(file.integer(r, "I")), j = end_bus(file.integer(r, "J"));
+    if (!f.uses(file, r) || file.value(r, mark).i != 1) continue;
+    const int32_t i = end_bus(file.value(r, i_at).i), j = end_bus(file.value(r, j_at).i);
     if (i != j && in_case(i, n) && in_case(j, n)) isl.join(i, j);
   }
 }
@@ -65,16 +67,20 @@ Sources sources(const Family& f) {
     if (!in_case(bus, f.nbus())) return;
     (slack ? s.slack : s.source)[static_cast<std::size_t>(bus)] = 1;
   };
-  for (const Record& r : f.l5.records)
-    if (f.uses(f.l5, r)) mark(f.l5.integer(r, "ibs"), f.l5.integer(r, "mode_ctrl") == kTypeSlack);
-  for (const Record& r : f.l6.records) {
-    const int32_t type = f.l6.integer(r, "mode_ctrl");
-    if (f.uses(f.l6, r) && type <= kTypeSlack) mark(f.l6.integer(r, "ibs"), type == kTypeSlack);
+  // Generator and load rows: the row's bus and type.
+  for (const FileRead* rows : {&f.l5, &f.l6}) {
+    const std::size_t ibs = rows->layout->at("ibs"), type_at = rows->layout->at("mode_ctrl");
+    for (const Record& r : rows->records) {
+      const int32_t type = rows->value(r, type_at).i;
+      if (f.uses(*rows, r) && (rows == &f.l5 || type <= kTypeSlack))
+        mark(rows->value(r, ibs).i, type == kTypeSlack);
+    }
   }
+  const std::size_t i_at = f.nl4.layout->at("I"), j_at = f.nl4.layout->at("J");
   for (const Record& r : f.nl4.records) {
     if (!f.uses(f.nl4, r)) continue;
-    mark(f.nl4.integer(r, "I"), false);
-    mark(f.nl4.integer(r, "J"), false);
+    mark(f.nl4.value(r, i_at).i, false);
+    mark(f.nl4.value(r, j_at).i, false);
   }
   return s;
 }
