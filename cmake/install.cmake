@@ -14,9 +14,11 @@ foreach(program lfrun lfdb lfstatus mp2lf lfreport)
   endif()
 endforeach()
 
-# Installed programs find the installed libraries beside them.
-set_target_properties(lfengine lfcli ${LF_PROGRAMS} PROPERTIES
-  INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+# The engine finds the database client beside itself, in the build tree
+# and installed alike; the client needs none of our libraries; the programs
+# take their installed path back (see runpath.cmake).
+set_target_properties(lfengine lfcli PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+set_target_properties(lfengine PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 install(TARGETS lfengine EXPORT lfengineTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -29,6 +31,10 @@ install(TARGETS lfcli EXPORT lfengineTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lfcli)
 install(TARGETS ${LF_PROGRAMS} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+foreach(program ${LF_PROGRAMS})
+  set(installed "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${program}")
+  install(CODE "file(RPATH_SET FILE \"${installed}\" NEW_RPATH \"\\${LF_INSTALLED_RUNPATH}\")")
+endforeach()
 
 install(EXPORT lfengineTargets NAMESPACE lfengine:: DESTINATION ${LF_PACKAGE_DIR})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/lfengineConfig.cmake.in

@@ -18,12 +18,13 @@ namespace lf {
 
 // Storage for arrays of numbers: memory comes zeroed, so a new element is
 // not written again since it is zero already, and a large array costs
-// nothing until it is touched.  Large blocks are mapped straight from the
-// system, whose pages are zero and become resident only when first written;
-// small ones come from calloc.  The arrays below keep the spare room behind
-// their last element zero.
+// nothing until it is touched.  Large blocks are cut from a few big mappings
+// of the system's (see arr.cpp), whose pages are zero and become resident
+// only when first written; small ones come from calloc.  The arrays below keep the spare room
+// behind their last element zero.
 namespace detail {
-constexpr std::size_t kMapFrom = std::size_t{1} << 14;  // bytes from which a block is mapped
+constexpr std::size_t kMapFrom = std::size_t{1}
+                                 << 14;  // bytes from which a block is cut from the mappings
 void* zeroed_block(std::size_t bytes);
 void free_block(void* p, std::size_t bytes);
 }  // namespace detail

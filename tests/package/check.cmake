@@ -27,4 +27,14 @@ foreach(program lfrun lfdb lfstatus mp2lf lfreport)
   endif()
 endforeach()
 run(${prefix}/bin/lfrun --help)
+# Library search paths, built and installed, are relative to the file and
+# have no empty entry (which the loader would take for the current folder).
+file(GLOB binaries ${BUILD_DIR}/lfrun ${BUILD_DIR}/src/liblf*.so ${prefix}/bin/*
+     ${prefix}/lib/liblf*.so)
+foreach(binary ${binaries})
+  file(READ_ELF ${binary} RUNPATH runpath)
+  if(runpath AND (runpath MATCHES "(^|[:;])([:;]|$)" OR NOT runpath MATCHES "^\\$ORIGIN"))
+    message(FATAL_ERROR "${binary}: library search path '${runpath}'")
+  endif()
+endforeach()
 file(REMOVE_RECURSE ${SCRATCH})

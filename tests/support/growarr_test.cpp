@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
+#include <random>
+#include <vector>
 
 namespace lf {
 namespace {
@@ -97,6 +100,45 @@ TEST(ReallocateDeathTest, FailedAllocationStopsWithItsText) {
   Arr<double> a;
   EXPECT_EXIT(reallocate(a, 0, std::numeric_limits<long long>::max() / 4),
               testing::ExitedWithCode(1), "Fail to allocate memory!");
+}
+
+// Blocks of many sizes taken and given back in random order, some written
+// whole, some in their first byte, some not at all: every block comes
+// zeroed, and no two live blocks share a byte (each keeps its mark).
+// Phases that give most blocks back reuse written room.
+TEST(ZeroedBlocks, ComeZeroedAndNeverOverlapWhateverTheOrder) {
+  struct Block {
+    unsigned char* p;
+    std::size_t bytes, written;
+    unsigned char mark;
+  };
+  constexpr std::size_t kWhole = 1 << 20;  // "whole" writes stop here
+  std::mt19937 random(7);
+  std::vector<Block> live;
+  for (int step = 0; step < 4000; ++step) {
+    const bool freeing = step % 600 >= 400;  // phases that give most blocks back
+    if (!live.empty() && random() % 5 < (freeing ? 4u : 1u)) {
+      const std::size_t k = random() % live.size();
+      const Block b = live[k];
+      for (std::size_t i = 0; i < b.written; i += 997) ASSERT_EQ(b.p[i], b.mark);
+      detail::free_block(b.p, b.bytes);
+      live.erase(live.begin() + static_cast<std::ptrdiff_t>(k));
+      continue;
+    }
+    // Some small blocks, some alone in their mapping, most in between.
+    const std::size_t bytes = random() % 4 == 0 ? 1000 + random() % 9000
+                              : random() % 100 == 0
+                                  ? std::size_t{17} << 20
+                                  : detail::kMapFrom + random() % (1 << (12 + random() % 9));
+    auto* p = static_cast<unsigned char*>(detail::zeroed_block(bytes));
+    for (std::size_t i = 0; i < bytes; i += 509) ASSERT_EQ(p[i], 0) << "block of " << bytes;
+    ASSERT_EQ(p[bytes - 1], 0);
+    const std::size_t written = random() % 3 == 0 ? 0 : random() % 2 ? std::min(bytes, kWhole) : 1;
+    const auto mark = static_cast<unsigned char>(1 + step % 255);
+    std::memset(p, mark, written);
+    live.push_back({p, bytes, written, mark});
+  }
+  for (const Block& b : live) detail::free_block(b.p, b.bytes);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include "cli.h"
+#include "support/beside.hpp"
 
 namespace {
 
@@ -14,24 +15,12 @@ bool resolve(void* handle, const char* name, F& f) {
   return f != nullptr;
 }
 
-// Opens the engine: first beside the database client library, which lfrun
-// links and which is installed with the engine, then by name.  The path
-// comes first since a loader that stands between lfrun and dlopen (the
-// address checker's) would search its own paths for a bare name.
-void* open_engine() {
-  Dl_info client{};
-  if (dladdr(reinterpret_cast<void*>(&lfcli_writes), &client) && client.dli_fname) {
-    std::string path = client.dli_fname;
-    path = path.substr(0, path.find_last_of('/') + 1) + kLibrary;
-    if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) return handle;
-  }
-  return dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
-}
-
 }  // namespace
 
 bool load_engine(Engine& engine, std::string& why) {
-  void* handle = open_engine();
+  // First beside the database client library, which lfrun links and which
+  // is installed with the engine, then by name.
+  void* handle = lf::open_beside(reinterpret_cast<const void*>(&lfcli_writes), kLibrary);
   if (handle && resolve(handle, "LFInit", engine.init) && resolve(handle, "LFCal", engine.cal) &&
       resolve(handle, "LFFinilize", engine.finish))
     return true;

@@ -1,17 +1,19 @@
 // Reading the case files and the report files of a case into CaseResults.
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <cstring>
 #include <map>
 #include <string_view>
 #include <vector>
 
 #include "results.hpp"
 #include "support/freeread.hpp"
+#include "support/numparse.hpp"
+#include "support/wholefile.hpp"
 
 namespace lfres {
 namespace {
@@ -27,24 +29,27 @@ constexpr double kNoLimit = 1e-3;   // a per-unit limit at most this is none
 class ReportLines {
  public:
   explicit ReportLines(const std::string& path) {
-    if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-      char buf[1 << 16];
-      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text_.append(buf, n);
-      std::fclose(f);
+    lf::read_whole_file(path, text_);
+    // Quotes and carriage returns are rare (the first line of the bus
+    // report): lines after the last of them need no cleaning.
+    for (const char c : {'\'', '\r'}) {
+      if (const void* last = memrchr(text_.data(), c, text_.size()))
+        plain_from_ = std::max(plain_from_, static_cast<const char*>(last) - text_.data() + 1);
     }
   }
 
   // Takes the next line; false at the end of the file.
   bool next() {
     if (pos_ >= text_.size()) return false;
-    std::size_t end = text_.find('\n', pos_);
-    if (end == std::string::npos) end = text_.size();
+    const char* line = text_.data() + pos_;
+    const auto* stop = static_cast<const char*>(std::memchr(line, '\n', text_.size() - pos_));
+    const std::size_t end = stop ? static_cast<std::size_t>(stop - text_.data()) : text_.size();
     bounds_.clear();
-    const std::string_view line(text_.data() + pos_, end - pos_);
-    if (std::none_of(line.begin(), line.end(), [](char c) { return c == '\'' || c == '\r'; })) {
-      // No quotes and no carriage returns: the fields as they stand.
-      line_ = line;
-      for (std::size_t start = 0, comma; (comma = line.find(',', start)) != line.npos;
+    const std::string_view plain(line, end - pos_);
+    if (static_cast<std::ptrdiff_t>(pos_) >= plain_from_ ||
+        plain.find_first_of("'\r") == plain.npos) {  // the fields as they stand
+      line_ = plain;
+      for (std::size_t start = 0, comma; (comma = plain.find(',', start)) != plain.npos;
            start = comma + 1)
         bounds_.emplace_back(start, comma);
       pos_ = end + 1;
@@ -83,51 +88,20 @@ class ReportLines {
   }
 
  private:
-  std::string text_;       // the whole file
-  std::size_t pos_ = 0;    // start of the next line
-  std::string clean_;      // the present line without quotes, where it has any
-  std::string_view line_;  // the present line: in text_, or clean_
+  std::string text_;               // the whole file
+  std::size_t pos_ = 0;            // start of the next line
+  std::ptrdiff_t plain_from_ = 0;  // no quote nor carriage return from here on
+  std::string clean_;              // the present line without quotes, where it has any
+  std::string_view line_;          // the present line: in text_, or clean_
   std::vector<std::pair<std::size_t, std::size_t>> bounds_;  // its fields in line_
 };
-
-// A plain decimal, [-]digits[.digits], of at most 2^53 without its point and
-// at most 22 decimals: the quotient of two doubles that hold the digits and
-// the power of ten exactly, which is the correctly rounded value, as strtod
-// gives it.  False for any other text.
-bool plain_decimal(std::string_view text, double& v) {
-  static constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-  constexpr std::uint64_t kExact = std::uint64_t{1} << 53;
-  const char *p = text.data(), *end = p + text.size();
-  const bool negative = p != end && *p == '-';
-  if (negative) ++p;
-  std::uint64_t m = 0;
-  int digits = 0, decimals = -1;  // -1: no point yet
-  for (; p != end; ++p) {
-    if (*p >= '0' && *p <= '9') {
-      if (m > (kExact - 9) / 10) return false;
-      m = m * 10 + static_cast<std::uint64_t>(*p - '0');
-      ++digits;
-      if (decimals >= 0) ++decimals;
-    } else if (*p == '.' && decimals < 0) {
-      decimals = 0;
-    } else {
-      return false;
-    }
-  }
-  if (digits == 0 || decimals > 22) return false;
-  const double x = static_cast<double>(m) / kPow10[std::max(decimals, 0)];
-  v = negative ? -x : x;
-  return true;
-}
 
 // A field as a number, as strtod takes it, the whole field used.  The plain
 // decimal forms of the reports convert without a copy.
 bool number(std::string_view text, double& v) {
   if (text.empty()) return false;
-  if (plain_decimal(text, v)) return true;
   const char* end = text.data() + text.size();
+  if (lf::quick_real(text.data(), end, v) == end) return true;
   if (auto [p, ec] = std::from_chars(text.data(), end, v); ec == std::errc() && p == end)
     return true;
   const std::string copy(text);
@@ -138,6 +112,7 @@ bool number(std::string_view text, double& v) {
 
 bool integer(std::string_view text, int& v) {
   const char* end = text.data() + text.size();
+  if (lf::quick_int(text.data(), end, v) == end) return true;
   if (auto [p, ec] = std::from_chars(text.data(), end, v); ec == std::errc() && p == end)
     return true;
   double d = 0;
@@ -238,10 +213,18 @@ class Reader {
     }
   }
 
+  // Pairs of numbers, case bus and source bus, as long as both read as
+  // integers.
   void read_map() {
-    std::ifstream in(stem_ + ".MAP");
-    int bus = 0, original = 0;
-    while (in >> bus >> original) {
+    std::string text;
+    if (!lf::read_whole_file(stem_ + ".MAP", text)) return;
+    const char *p = text.data(), *end = p + text.size();
+    const auto next = [&](int& v) {
+      while (p != end && std::isspace(static_cast<unsigned char>(*p))) ++p;
+      p = lf::quick_int(p, end, v);
+      return p != nullptr;
+    };
+    for (int bus = 0, original = 0; next(bus) && next(original);) {
       if (bus >= 1 && bus <= static_cast<int>(r_.buses.size()))
         r_.buses[bus - 1].original = original;
     }

@@ -6,8 +6,8 @@
 #include <dlfcn.h>
 
 #include <cstdio>
-#include <string>
 
+#include "support/beside.hpp"
 #include "toolkit/toolkit.hpp"
 
 namespace lf {
@@ -17,19 +17,9 @@ namespace {
 constexpr const char* kModule = LF_WINDOW_MODULE;    // file name of the module
 constexpr const char* kEntry = "lf_window_backend";  // its one entry point
 
-// Opens the module: first beside this library, then by name.
-void* open_module() {
-  Dl_info self{};
-  if (dladdr(reinterpret_cast<void*>(&real_window_backend), &self) && self.dli_fname) {
-    std::string path = self.dli_fname;
-    path = path.substr(0, path.find_last_of('/') + 1) + kModule;
-    if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) return handle;
-  }
-  return dlopen(kModule, RTLD_NOW | RTLD_LOCAL);
-}
-
 ToolkitBackend* load_backend() {
-  void* handle = open_module();
+  // First beside this library, then by name.
+  void* handle = open_beside(reinterpret_cast<const void*>(&real_window_backend), kModule);
   using Entry = ToolkitBackend* (*)();
   auto entry = handle ? reinterpret_cast<Entry>(dlsym(handle, kEntry)) : nullptr;
   if (!entry) {
