@@ -36,11 +36,13 @@ bool FreeReader::next_line(std::string_view& out) {
     eof_ = true;
     return false;
   }
-  std::size_t end = data_.find('\n', pos_);
-  if (end == std::string::npos) end = data_.size();
-  out = std::string_view(data_).substr(pos_, end - pos_);
-  pos_ = end + 1;
-  if (!out.empty() && out.back() == '\r') out.remove_suffix(1);
+  const char* first = data_.data() + pos_;
+  const auto left = data_.size() - pos_;
+  const auto* newline = static_cast<const char*>(std::memchr(first, '\n', left));
+  std::size_t n = newline != nullptr ? static_cast<std::size_t>(newline - first) : left;
+  pos_ += n + 1;
+  if (n != 0 && first[n - 1] == '\r') --n;
+  out = std::string_view(first, n);
   ++lineno_;
   return true;
 }
