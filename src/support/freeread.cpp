@@ -220,6 +220,10 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   // line, and the blanks behind the comma, so that the next value starts
   // at p unless the line has ended.
   const auto skip_separator = [&] {
+    if (end - p > 1 && *p == ' ' && !ends_value(p[1])) {  // one blank, the common case
+      ++p;
+      return;
+    }
     while (p != end && is_blank(*p)) ++p;
     if (p != end && *p == ',') {
       ++p;

@@ -10,7 +10,6 @@
 
 #include <array>
 #include <bit>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -73,7 +72,11 @@ inline double long_decimal(uint64_t w, int scale) {
   auto m = static_cast<uint64_t>(x >> shift);
   const Wide rest = x & ((Wide{1} << shift) - 1), half = Wide{1} << (shift - 1);
   if (rest > half || (rest == half && (sticky || (m & 1) != 0))) ++m;
-  return std::ldexp(static_cast<double>(m), exp2 + shift);
+  // m * 2^(exp2 + shift), a normal number: m's top bit is the implicit one,
+  // and a carry of the rounding into bit 53 moves on into the exponent.
+  constexpr int kBias = 1023 + 52;  // the exponent's bias, and m's 52 bits below the point
+  const auto biased = static_cast<uint64_t>(exp2 + shift + kBias);
+  return std::bit_cast<double>((biased << 52) + m - (uint64_t{1} << 52));
 }
 
 }  // namespace numparse
