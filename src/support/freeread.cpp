@@ -89,7 +89,8 @@ bool to_int(std::string_view t, int32_t& out) {
   return true;
 }
 
-// A number that the quick conversion did not take.
+// A real value the full way: one that is not plain (repeated, or beyond the
+// quick conversion).
 bool to_real(std::string_view t, double& out) {
   if (t.empty()) return false;
   // Only digits, signs, a point and an exponent letter make a number; the
@@ -110,8 +111,8 @@ bool to_real(std::string_view t, double& out) {
   }
   // A whole token that gives a normal number converts the same, correctly
   // rounded, either way, and so does one whose digits before the exponent
-  // are all zero; tiny and huge values (range errors) and anything the quick
-  // conversion does not take are left to strtod.
+  // are all zero; tiny and huge values (range errors) and anything from_chars
+  // does not take are left to strtod.
   const char* first = t.data();
   const char* last = first + t.size();
   if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
