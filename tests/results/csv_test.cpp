@@ -62,5 +62,27 @@ TEST(CsvTables, BusNumbersLostToAsterisksComeBack) {
             std::string::npos);
 }
 
+// Generator report lines take type and limits from the rows as read at
+// their bus, in turn, whatever the rows of other buses between them.
+TEST(CsvTables, GeneratorsTakeTheRowsOfTheirBusInTurn) {
+  std::filesystem::create_directory("gens");
+  std::ofstream("gens/G.L0") << "2 0 0 0 3 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n";
+  std::ofstream("gens/G.L1") << "'A' 110 1 0 0\n'B' 110 1 0 0\n";
+  std::ofstream("gens/G.L5") << "1 2 -2 0 0 1 0 0.5 -0.5\n1 1 0 0 0 1 0 0.7 -0.7\n"
+                             << "1 2 -2 0 0 1 0 0.3 -0.3\n";
+  std::ofstream("gens/G.LP1") << "  0,'LF Result File Created on 20260101 at 00:00:00',\n"
+                              << "   1,   1.0000000000,   0.0000000000,\n"
+                              << "   2,   1.0000000000,   0.0000000000,\n";
+  std::ofstream("gens/G.LP5") << "2, 0.1, 0.5, 0,\n1, 0.1, 0.2, 0,\n2, 0.1, 0.3, 0,\n";
+  int status = -1;
+  output_of(kBin + "/lfreport gens/G --csv gens/csv", status);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(read_file("gens/csv/generators.csv"),
+            "bus,source_bus,name,type,p_pu,q_pu,qmin_pu,qmax_pu,merged,at_q_limit\n"
+            "2,,\"B\",-2,0.1,0.5,-0.5,0.5,0,1\n"
+            "1,,\"A\",0,0.1,0.2,-0.7,0.7,0,0\n"
+            "2,,\"B\",-2,0.1,0.3,-0.3,0.3,0,1\n");
+}
+
 }  // namespace
 }  // namespace lf::test
