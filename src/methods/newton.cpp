@@ -109,8 +109,7 @@ void correction_test(Form form, int32_t& status) {
       form_system(form, w);
       if (const int32_t at = nonfinite_at(w.n, w.D1, w.D2))
         return diverge(w, before, "mismatch", at, status);
-      factorise(w, t == 0);
-      solve(w, w.D1, w.D2, w.X1, w.X2);
+      factorise_solve(w, t == 0, w.D1, w.D2, w.X1, w.X2);
       if (const int32_t at = nonfinite_at(w.n, w.X1, w.X2))
         return diverge(w, before, "correction", at, status);
       const double dmax = largest(w.X1, w.X2, w.n, ip);

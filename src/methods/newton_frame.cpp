@@ -42,37 +42,30 @@ BlockValues values_of(const NewtonWork& w) {
   return {w.AA.data(), w.AB.data(), w.AC.data(), w.AD.data()};
 }
 
-// The first bus whose pivot block has a determinant that is not finite; 0 if none.
-int32_t overflowed_pivot(const BlockStore& f) {
-  for (int32_t i = 1; i <= f.n; ++i) {
-    const double* piv = f.val[static_cast<std::size_t>(f.iu[static_cast<std::size_t>(i)])].v[0];
-    if (!std::isfinite(piv[3] * piv[0] - piv[1] * piv[2])) return i;
-  }
-  return 0;
-}
-
 }  // namespace
 
-void factorise(NewtonWork& w, bool first) {
+void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr<double>& r2,
+                     Arr<double>& x1, Arr<double>& x2) {
   const BlockPattern a{w.n, w.IA.data(), w.JA.data(), &w.chains};
+  const BlockRhs rhs{r1.data(), r2.data()};
   if (first) {
     adlink7l(w.IA, w.JA, w.n, w.chains);
-    nonsym74(a, values_of(w), w.factors);
+    nonsym74(a, values_of(w), w.factors, &rhs);
   } else {
-    nonsym74o(a, values_of(w), w.factors);
+    nonsym74o(a, values_of(w), w.factors, &rhs);
   }
-  w.overflow_at = overflowed_pivot(w.factors);
+  solvxn_back(w.factors, x1, x2);
+  if (w.factors.overflow_at != 0) x1[w.factors.overflow_at] = std::nan("");
 }
 
 void factorise_whole(NewtonWork& w) {
   nonsym(w.IA, w.JA, w.n, values_of(w), w.factors);
-  w.overflow_at = overflowed_pivot(w.factors);
 }
 
 void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
            Arr<double>& x2) {
   solvxn(w.factors, r1, r2, x1, x2);
-  if (w.overflow_at != 0) x1[w.overflow_at] = std::nan("");
+  if (w.factors.overflow_at != 0) x1[w.factors.overflow_at] = std::nan("");
 }
 
 void power_mismatch(NewtonWork& w) {

@@ -45,10 +45,6 @@ struct NewtonWork {
   // their way out.  Cleared at the start of each pass, where TH is set anew.
   bool angles_due = false;
   bool saved_angles_due = false;  // angles_due when the buses were last saved (save_buses)
-  // Internal bus (1..n) of the first pivot block of the present factors whose
-  // determinant overflows, 0 if none: written by factorise and
-  // factorise_whole, read by solve, which makes the correction there NaN.
-  int32_t overflow_at = 0;
 };
 
 // Brings TH in line with E, F after corrections.  Without user-defined
@@ -73,17 +69,21 @@ extern NewtonWork NWORK;
 // NWORK, sized for the present case.
 NewtonWork& newton_work();
 
-// Forms the Jacobian's factors: with `first` the fill-in is found anew,
-// otherwise the pattern of the last such call is reused.  Entries so large
-// (a load of 1e200, say) that a pivot block's determinant overflows would
-// invert to zeros and the bus would get a correction of 0, which reads as
-// converged; such a bus is noted in overflow_at.
-void factorise(NewtonWork& w, bool first);
-// The same in one routine that keeps nothing for a later factorisation.
+// Forms the Jacobian's factors and solves them for the right-hand sides
+// r1, r2 into x1, x2: with `first` the fill-in is found anew, otherwise the
+// pattern of the last such call is reused.  Entries so large (a load of
+// 1e200, say) that a pivot block's determinant overflows would invert to
+// zeros and the bus would get a correction of 0, which reads as converged;
+// such a bus is noted in the factors' overflow_at and its correction is NaN,
+// which ends the iteration there.
+void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr<double>& r2,
+                     Arr<double>& x1, Arr<double>& x2);
+// The factors alone, in one routine that keeps nothing for a later
+// factorisation; overflow_at as above.
 void factorise_whole(NewtonWork& w);
 
-// Solves the factorised Jacobian for the right-hand sides r1, r2; at the bus
-// overflow_at the correction is NaN, which ends the iteration there.
+// Solves the factors of factorise_whole for the right-hand sides r1, r2; at
+// the bus overflow_at the correction is NaN.
 void solve(NewtonWork& w, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
            Arr<double>& x2);
 

@@ -52,9 +52,8 @@ void newtonp(int32_t& status) {
       UDWORK = dmax;
       if (t > LFINF.iteration) break;
       formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
-      factorise(w, !firstdone);
+      factorise_solve(w, !firstdone, w.D1, w.D2, w.X1, w.X2);
       firstdone = true;
-      solve(w, w.D1, w.D2, w.X1, w.X2);
       if (const int32_t at = nonfinite_at(w.n, w.X1, w.X2))
         return diverge(w, before, "correction", at, status);
       save_buses(w, before);

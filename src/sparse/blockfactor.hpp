@@ -8,10 +8,19 @@
 //
 // A = L U (left-looking Crout by blocks): L lower triangular with the pivot
 // blocks on its diagonal, U upper triangular with identity blocks on its
-// diagonal.  Both use one set of positions: iu[i] holds the pivot of column i
-// of L (and the identity of row i of U); the positions after it up to
-// iu[i+1]-1 hold the L entries of column i by ascending row ju and, at the
-// same places, the U entries of row i by ascending column ju.
+// diagonal.  Both use one set of positions: the pivot of column i of L (and
+// the identity of row i of U) stands first, and the positions after it hold
+// the L entries of column i by ascending row and, at the same places, the U
+// entries of row i by ascending column.
+//
+// The rows are worked out, and stored, in an order of their own: a postorder
+// of the elimination tree (the parent of row i is the first column right of
+// its pivot in U), so that each row follows the rows it takes from, the rows
+// of one branch of the network lie together and the work of one branch stays
+// in the cache instead of reaching over the whole store.  A row's place in
+// that order says where it stands; each value still takes the same
+// operations in the same order (the earlier rows in ascending number), so
+// the factors and solutions are those of working the rows out by number.
 //
 // nonsym74 finds the pattern of the factors from the matrix's pattern alone
 // (the fill-in), lays it out for the elimination and works out the values on
@@ -59,56 +68,70 @@ struct BlockValues {
   const double *aa = nullptr, *ab = nullptr, *ac = nullptr, *ad = nullptr;
 };
 
-// An entry of a column: its row and its position in the store.
+// An entry of a layout: a row or column (its number or its place, as the
+// layout says) and a position in the factor store or the matrix.
 struct Link {
   int32_t row, pos;
 };
 
-// The factors and the work memory of their calculation.  nonsym74 fills the
-// pattern, its layouts and the values, nonsym74o the values again, solvxn
-// reads them.  Kept by the caller between calls, so that a refactorisation
-// allocates nothing.
+// The factors and the work memory of their calculation.  nonsym74 lays out
+// the pattern and fills the values, nonsym74o the values again, solvxn reads
+// them.  Kept by the caller between calls, so that a refactorisation
+// allocates nothing.  A place is a row's rank 1..n in the working order.
 struct BlockStore {
-  int32_t n = 0;                // block rows factorised
-  std::vector<int32_t> iu;      // [1..n+1]: the pivot position of each column of L (row of U)
-  std::vector<int32_t> ju;      // by position: column of U (= row of L); at a pivot, i itself
+  int32_t n = 0;  // block rows factorised
+  // The smallest row number whose pivot block's determinant is not finite,
+  // 0 if none: written by each factorisation, read by its callers.
+  int32_t overflow_at = 0;
+  std::vector<int32_t> order;  // [1..n] by place: the row (bus number) worked out there
+  std::vector<int32_t> iu;     // [1..n] by place: the row's pivot position; [n+1] one past the last
+  std::vector<int32_t> ju;     // by position: the place of the column of U (= row of L)
   std::vector<BlockEntry> val;  // by position: the L block and the U block
-  // The layouts of the elimination, made by nonsym74 for the patterns of the
-  // factors and of the matrix, read by each factorisation; all by column c,
-  // ascending row.  above[start[c] ..]: the entries of U in column c (rows
-  // and positions), the earlier rows that column c's elimination takes.
-  // lower[lower_start[c] ..]: the matrix's entries on and below the diagonal
-  // in column c, as its column chain runs.
-  std::vector<int32_t> start, lower_start;
-  std::vector<Link> above, lower;
-  std::vector<int32_t> lower_slot;  // by matrix position: its place in lower, -1 for none
+  // The layouts of the elimination, made by nonsym74 and read by each
+  // factorisation, both by place c of a column, in the order of the work.
+  // above[start[c] ..]: the entries of U in column c (the place of their row
+  // and their position), the earlier rows that column c's elimination
+  // takes, by ascending row number.  loads[load_start[2c-1] ..]: the
+  // matrix's entries on and below the diagonal in column c, and from
+  // load_start[2c] those right of the diagonal in row c, each with the place
+  // of its row (below) or column (right) and its position in the matrix.
+  std::vector<int32_t> start, load_start;
+  std::vector<Link> above, loads;
+  std::vector<int32_t> load_slot;  // by matrix position: its place in loads, -1 for none
   // One block [a b; c d] of the matrix.
   struct Block {
     double v[4];
   };
-  std::vector<Block> low;  // by place in lower: the matrix's block, copied by each factorisation
-  BlockWork work{0};       // the dense work row of the factorisations
-  // The sums of the forward solution by block row, 1..n: written and read
-  // by solvxn alone.
+  std::vector<Block> low;  // by place in loads: the matrix's block, copied by each factorisation
+  BlockWork work{0};       // the dense work row of the factorisations, by place
+  // The two unknowns of a block row: the forward and then the backward
+  // solution by place, 1..n, written and read by solvxn alone.
   struct Sum {
     double s1, s2;
   };
-  std::vector<Sum> sums;
-  // Makes sure that positions up to q exist, growing at least twofold.
-  void room(std::size_t q);
+  std::vector<Sum> sol;
 };
 
 // Links the column chains of the matrix (rows ia, columns ja, n rows).
 void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch);
 
+// The right-hand sides of a solution that goes along with a factorisation,
+// by row 1..n: the factorisation then does its forward part row by row while
+// the factor's rows are at hand, and solvxn_back finishes it.
+struct BlockRhs {
+  const double* r1;
+  const double* r2;
+};
+
 // Factorises the matrix, finding the fill-in: builds the pattern of the
 // factors, its layouts and the values.  A pivot block whose determinant is at
-// most 1e-20 in size gets the determinant +-1e-20.
-void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f);
+// most 1e-20 in size gets the determinant +-1e-20.  With rhs, also the
+// forward part of the solution with it.
+void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f, const BlockRhs* rhs);
 
 // Factorises a matrix of the same pattern again on the factors that nonsym74
-// built: only values change, nothing is added.
-void nonsym74o(const BlockPattern& a, const BlockValues& v, BlockStore& f);
+// built: only values change, nothing is added.  rhs as for nonsym74.
+void nonsym74o(const BlockPattern& a, const BlockValues& v, BlockStore& f, const BlockRhs* rhs);
 
 // The whole factorisation in one call, chains included, for a matrix given
 // by its rows alone.
@@ -119,5 +142,9 @@ void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const Blo
 // each block row, r1, r2 the right-hand sides (they may be x1, x2 themselves).
 void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<double>& x1,
             Arr<double>& x2);
+
+// Finishes the solution whose forward part the last factorisation did with
+// its right-hand sides: x1, x2 get what solvxn would give for them.
+void solvxn_back(BlockStore& f, Arr<double>& x1, Arr<double>& x2);
 
 }  // namespace lf

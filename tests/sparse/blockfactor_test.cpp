@@ -57,11 +57,12 @@ BlockValues values(const BlockMatrix& m) {
 
 void first_factors(const BlockMatrix& m, BlockChains& ch, BlockStore& f) {
   adlink7l(m.ia, m.ja, m.n, ch);
-  nonsym74({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f);
+  nonsym74({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f, nullptr);
 }
 
-void again(const BlockMatrix& m, const BlockChains& ch, BlockStore& f) {
-  nonsym74o({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f);
+void again(const BlockMatrix& m, const BlockChains& ch, BlockStore& f,
+           const BlockRhs* rhs = nullptr) {
+  nonsym74o({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f, rhs);
 }
 
 // Solves with the factors and checks against the dense solution.
@@ -119,7 +120,14 @@ TEST(BlockFactors, RandomSystemsMatchDenseSolveAndRefactorisation) {
         m.ac[p] *= u(rng);
       }
     }
-    again(m, ch, f);
+    Arr<double> r1(m.n), r2(m.n), x1(m.n), x2(m.n), y1(m.n), y2(m.n);
+    for (int32_t i = 1; i <= m.n; ++i) r1[i] = u(rng), r2[i] = -u(rng);
+    const BlockRhs rhs{r1.data(), r2.data()};
+    again(m, ch, f, &rhs);
+    // The solution that goes along with the factorisation is solvxn's, bit for bit.
+    solvxn_back(f, x1, x2);
+    solvxn(f, r1, r2, y1, y2);
+    for (int32_t i = 1; i <= m.n; ++i) ASSERT_TRUE(x1[i] == y1[i] && x2[i] == y2[i]) << i;
     expect_solves(m, f, rng, slack);
 
     // The one-call form gives the factors that solvxn takes.

@@ -1,0 +1,14 @@
+// The layout of the block factors, found from the matrix's pattern alone:
+// the pattern of the factors with its fill-in, the working order of the rows
+// and the lists that lead each step of a factorisation to its data.
+#pragma once
+
+#include "sparse/blockfactor.hpp"
+
+namespace lf {
+
+// Lays out f for the matrix's pattern: order, iu, ju (and room in val),
+// start/above and load_start/loads/load_slot (and room in low).
+void lay_out_factors(const BlockPattern& a, BlockStore& f);
+
+}  // namespace lf
