@@ -1,5 +1,6 @@
 #include "support/freeread.hpp"
 
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -58,11 +59,21 @@ bool FreeReader::line(std::string& out) {
 
 namespace {
 
+// What a character is to the reader, one bit each: a blank (space, tab),
+// or any character that ends a value (a blank, a comma, a slash).
+constexpr unsigned char kBlank = 1, kEnds = 2;
+constexpr std::array<unsigned char, 256> kClass = [] {
+  std::array<unsigned char, 256> c{};
+  c[' '] = c['\t'] = kBlank | kEnds;
+  c[','] = c['/'] = kEnds;
+  return c;
+}();
+
 bool is_blank(char c) {
-  return c == ' ' || c == '\t';
+  return (kClass[static_cast<unsigned char>(c)] & kBlank) != 0;
 }
 bool ends_value(char c) {
-  return is_blank(c) || c == ',' || c == '/';
+  return (kClass[static_cast<unsigned char>(c)] & kEnds) != 0;
 }
 bool is_digit(char c) {
   return c >= '0' && c <= '9';
@@ -203,10 +214,15 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       if (!take_line()) return false;
     }
   };
-  // The separator behind a value: blanks and at most one comma, on this line.
+  // The separator behind a value: blanks and at most one comma, on this
+  // line, and the blanks behind the comma, so that the next value starts
+  // at p unless the line has ended.
   const auto skip_separator = [&] {
     while (p != end && is_blank(*p)) ++p;
-    if (p != end && *p == ',') ++p;
+    if (p != end && *p == ',') {
+      ++p;
+      while (p != end && is_blank(*p)) ++p;
+    }
   };
 
   std::string_view value;
@@ -216,7 +232,7 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   for (const ReadItem& it : items) {
     ++item_;
     if (repeat == 0) {
-      if (!skip_blanks()) return false;
+      if ((p == end || is_blank(*p)) && !skip_blanks()) return false;
       if (*p == '/') return true;
       // A plain value, the common case, taken in one scan: a number
       // converted as its end is found, or a text up to the next separator.

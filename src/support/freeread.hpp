@@ -47,6 +47,9 @@ class FreeReader {
   // start; false when it cannot be opened.
   bool open(const std::string& path);
   bool is_open() const { return open_; }
+  // The whole file as taken in, a byte-order mark included; empty when none
+  // is open.
+  std::string_view text() const { return data_; }
   void close();
 
   // One read statement over the given items.

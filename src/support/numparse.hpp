@@ -8,6 +8,7 @@
 // (std::from_chars) gives the same characters.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace lf {
@@ -16,16 +17,91 @@ namespace lf {
 // (the case files write double-precision exponents that way).
 enum class Exponents { E, EorD };
 
+namespace numparse {
+
+// Powers of ten that a double holds exactly.
+inline constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kMostPow10 = 22;
+constexpr uint64_t kExact = uint64_t{1} << 53;  // integers up to this are exact doubles
+constexpr int kMostDigits = 19;                 // digits a uint64_t always holds
+constexpr int kMostExponentDigits = 4;          // longer exponents: left to the full conversion
+
+// The digits from p on, taken into w; gives the end of the digits.
+inline const char* digits_into(const char* p, const char* last, uint64_t& w) {
+  for (; p != last; ++p) {
+    const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};  // above 9: no digit
+    if (d > 9) break;
+    w = w * 10 + d;
+  }
+  return p;
+}
+
+}  // namespace numparse
+
 // An optional sign, digits with at most one point among them (at least one
 // digit), and optionally an exponent letter, an optional sign and digits.
-// Taken when its significant digits form an integer of at most 2^53 and its
+// Taken when its digits, at most 19, form an integer of at most 2^53 and its
 // power of ten is within 10^-22..10^22: one exact operation on two exact
 // doubles, so correctly rounded.  A zero is taken with any short exponent.
-const char* quick_real(const char* first, const char* last, double& value,
-                       Exponents exponents = Exponents::E);
+inline const char* quick_real(const char* p, const char* last, double& value,
+                              Exponents exponents = Exponents::E) {
+  const bool negative = p != last && *p == '-';
+  if (p != last && (*p == '-' || *p == '+')) ++p;
+  const char* start = p;
+  uint64_t w = 0;  // the digits as an integer
+  p = numparse::digits_into(p, last, w);
+  std::ptrdiff_t digits = p - start;  // leading zeros included
+  std::ptrdiff_t scale = 0;           // power of ten of the last digit
+  if (p != last && *p == '.') {
+    const char* fraction = ++p;
+    p = numparse::digits_into(p, last, w);
+    digits += p - fraction;
+    scale = fraction - p;
+  }
+  if (digits == 0 || digits > numparse::kMostDigits || w > numparse::kExact) return nullptr;
+  if (p != last &&
+      (*p == 'e' || *p == 'E' || (exponents == Exponents::EorD && (*p == 'd' || *p == 'D')))) {
+    ++p;
+    const bool down = p != last && *p == '-';
+    if (p != last && (*p == '-' || *p == '+')) ++p;
+    uint64_t e = 0;
+    const char* end = numparse::digits_into(p, last, e);
+    if (end == p || end - p > numparse::kMostExponentDigits) return nullptr;
+    p = end;
+    scale += down ? -static_cast<std::ptrdiff_t>(e) : static_cast<std::ptrdiff_t>(e);
+  }
+  double x = 0;
+  if (w != 0) {
+    if (scale < -numparse::kMostPow10 || scale > numparse::kMostPow10) return nullptr;
+    x = scale < 0 ? static_cast<double>(w) / numparse::kPow10[-scale]
+                  : static_cast<double>(w) * numparse::kPow10[scale];
+  }
+  value = negative ? -x : x;
+  return p;
+}
 
 // An optional sign and digits; nullptr also when the value does not fit in
 // 32 bits.
-const char* quick_int(const char* first, const char* last, int32_t& value);
+inline const char* quick_int(const char* p, const char* last, int32_t& value) {
+  constexpr uint64_t kMost = uint64_t{1} << 31;  // the magnitude of INT32_MIN
+  constexpr std::ptrdiff_t kShort = 9;           // digits that always fit
+  constexpr std::ptrdiff_t kMostDigits32 = 10;   // digits of kMost
+  const bool negative = p != last && *p == '-';
+  if (p != last && (*p == '-' || *p == '+')) ++p;
+  const char* start = p;
+  uint64_t v = 0;
+  const char* end = numparse::digits_into(p, last, v);
+  if (end == start) return nullptr;
+  if (end - start > kShort) {  // long: its leading zeros do not count
+    while (p != end && *p == '0') ++p;
+    v = 0;
+    if (numparse::digits_into(p, end, v) - p > kMostDigits32 || v > kMost - (negative ? 0 : 1))
+      return nullptr;
+  }
+  value = static_cast<int32_t>(negative ? -static_cast<int64_t>(v) : static_cast<int64_t>(v));
+  return end;
+}
 
 }  // namespace lf

@@ -69,14 +69,16 @@ TEST(QuickReal, TokensOfTheTableAndRandomDecimals) {
 }
 
 TEST(QuickInt, WholeRangeOf32BitsAndNoFurther) {
-  for (const char* t : {"2147483647", "-2147483648", "+7", "-007", "0"}) {
+  for (const char* t : {"2147483647", "-2147483648", "+7", "-007", "0", "-00000000002147483648",
+                        "000000000000", "999999999"}) {
     int32_t v = 0, want = 1;
     const char* last = t + std::char_traits<char>::length(t);
     ASSERT_EQ(quick_int(t, last, v), last) << t;
     std::from_chars(t + (*t == '+'), last, want);
     EXPECT_EQ(v, want) << t;
   }
-  for (const char* t : {"2147483648", "-2147483649", "-", "+", "99999999999999999999", ""}) {
+  for (const char* t : {"2147483648", "-2147483649", "-", "+", "99999999999999999999", "",
+                        "0000000000012345678901"}) {
     int32_t v = 5;
     EXPECT_EQ(quick_int(t, t + std::char_traits<char>::length(t), v), nullptr) << t;
     EXPECT_EQ(v, 5) << t;

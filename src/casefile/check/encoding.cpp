@@ -4,14 +4,12 @@
 #include <cstdint>
 #include <cstring>
 
-#include "support/wholefile.hpp"
-
 namespace lf::check {
 
 namespace {
 
 // Length of the UTF-8 sequence at text[i], 0 when it is not one.
-std::size_t utf8_length(const std::string& text, std::size_t i) {
+std::size_t utf8_length(std::string_view text, std::size_t i) {
   const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
   const unsigned char c = byte(i);
   const std::size_t n = c < 0x80         ? 1
@@ -27,7 +25,7 @@ std::size_t utf8_length(const std::string& text, std::size_t i) {
 
 // The first position from `from` on that holds a byte outside ASCII (the
 // text's size when there is none), eight bytes at a time.
-std::size_t plain_ascii_end(const std::string& text, std::size_t from) {
+std::size_t plain_ascii_end(std::string_view text, std::size_t from) {
   constexpr std::uint64_t kHighBits = 0x8080808080808080u;
   std::size_t i = from;
   for (std::uint64_t word; i + sizeof word <= text.size(); i += sizeof word) {
@@ -40,12 +38,10 @@ std::size_t plain_ascii_end(const std::string& text, std::size_t from) {
 
 }  // namespace
 
-void check_encoding(const std::string& path, Warnings& w) {
-  std::string text;
-  if (!read_whole_file(path, text)) return;
+void check_encoding(const std::string& path, std::string_view text, Warnings& w) {
   if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
     w.push_back(path + ": starts with a UTF-8 byte-order mark, which the engine passes over");
-  if (text.find('\0') != std::string::npos) {
+  if (text.find('\0') != std::string_view::npos) {
     w.push_back(path + ": holds NUL bytes: UTF-16 or binary data, not a text the engine can read");
     return;
   }

@@ -4,13 +4,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "casefile/check/strictread.hpp"
 
 namespace lf::check {
 
 // Warns about a UTF-8 byte-order mark, NUL bytes (UTF-16 or binary data) and
-// bytes that are not UTF-8, once each per file.  A missing file says nothing.
-void check_encoding(const std::string& path, Warnings& w);
+// bytes that are not UTF-8 in the text of the file at path, once each.
+void check_encoding(const std::string& path, std::string_view text, Warnings& w);
 
 }  // namespace lf::check

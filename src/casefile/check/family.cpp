@@ -1,8 +1,11 @@
 #include "casefile/check/family.hpp"
 
 #include <algorithm>
+#include <iterator>
 
+#include "casefile/check/encoding.hpp"
 #include "store/store.hpp"
+#include "support/freeread.hpp"
 
 namespace lf::check {
 
@@ -46,23 +49,32 @@ std::string Family::bus(int32_t b) const {
 Family read_family(const std::string& stem, const std::string& dat_stem, Warnings& w) {
   Family f;
   f.stem = stem;
-  f.l0 = read_records(stem + ".L0", ".L0", w);
-  f.l1 = read_records(stem + ".L1", ".L1", w);
-  f.l2 = read_records(stem + ".L2", ".L2", w);
-  f.l3 = read_records(stem + ".L3", ".L3", w);
-  f.nl4 = read_records(stem + ".NL4", ".NL4", w);
-  f.l5 = read_records(stem + ".L5", ".L5", w);
-  f.l6 = read_records(stem + ".L6", ".L6", w);
-  f.l7 = read_records(stem + ".L7", ".L7", w);
-  f.l10 = read_records(stem + ".L10", ".L10", w);
-  f.l13 = read_switches(stem + ".L13", w);
-  for (FileRead* file : {&f.l0, &f.l1, &f.l2, &f.l3, &f.nl4, &f.l5, &f.l6, &f.l7, &f.l10, &f.l13})
-    file->read = engine_reads(f, *file);
+  // Each file is taken in once: first the encodings of all of them are
+  // checked, then their records read.
+  constexpr std::string_view kExt[] = {".L0", ".L1", ".L2", ".L3",  ".NL4",
+                                       ".L5", ".L6", ".L7", ".L10", ".L13"};
+  FileRead* const files[] = {&f.l0, &f.l1, &f.l2, &f.l3,  &f.nl4,
+                             &f.l5, &f.l6, &f.l7, &f.l10, &f.l13};
+  FreeReader in[std::size(kExt)];
+  for (std::size_t k = 0; k < std::size(kExt); ++k) {
+    const std::string path = stem + std::string(kExt[k]);
+    if (in[k].open(path)) check_encoding(path, in[k].text(), w);
+  }
+  for (std::size_t k = 0; k < std::size(kExt); ++k) {
+    const std::string path = stem + std::string(kExt[k]);
+    *files[k] =
+        files[k] == &f.l13 ? read_switches(path, in[k], w) : read_records(path, kExt[k], in[k], w);
+    in[k].close();
+  }
+  for (FileRead* file : files) file->read = engine_reads(f, *file);
   const std::size_t type_at = f.l6.layout->at("mode_ctrl");
   const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
     return f.uses(f.l6, r) && f.l6.value(r, type_at).i >= kTypeFirstLoadSet;
   });
-  f.dat = typed ? read_library(dat_stem + ".DAT", w) : unread(dat_stem + ".DAT", ".DAT");
+  const std::string library = dat_stem + ".DAT";
+  FreeReader lib;
+  f.dat = typed ? (lib.open(library), read_library(library, lib, w)) : unread(library, ".DAT");
+  if (f.dat.present) check_encoding(library, lib.text(), w);
   f.dat.read = engine_reads(f, f.dat);
   return f;
 }

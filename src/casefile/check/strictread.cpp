@@ -1,8 +1,7 @@
 #include "casefile/check/strictread.hpp"
 
 #include <algorithm>
-#include <array>
-#include <span>
+#include <vector>
 
 #include "support/freeread.hpp"
 
@@ -19,52 +18,73 @@ std::string shown(const std::string& text) {
   return text.size() > kShown ? s + "..." : s;
 }
 
-// Reads one statement into the fields from v and the texts from t on (the
-// record's first field and first text).
-bool read_statement(FreeReader& in, const std::vector<Field>& statement, Value* v, std::string* t) {
-  std::array<ReadItem, kMostFields> items;
-  std::size_t k = 0;
-  for (const Field& f : statement) {
-    items[k] = f.kind == 'I'   ? ReadItem::of(v[k].i)
-               : f.kind == 'R' ? ReadItem::of(v[k].r)
-                               : ReadItem::of(t[f.slot]);
-    ++k;
-  }
-  return in.read(std::span<const ReadItem>(items.data(), k));
-}
-
-// Reads one record of all its statements and adds it to f, as record
-// `number` of the file.  False at the end, f as it was: quietly at the end of
-// the file, else with a warning that names the record and field.
-bool read_record(FreeReader& in, FileRead& f, int32_t number, Warnings& w) {
-  const Layout& l = *f.layout;
-  const Record r{number, in.line_number() + 1, 0, f.records.size()};
-  f.values.resize(f.values.size() + l.fields);
-  f.texts.resize(f.texts.size() + l.texts);
-  Value* v = f.values.data() + r.index * l.fields;
-  std::string* t = f.texts.data() + r.index * l.texts;
-  std::size_t first = 0;
-  for (std::size_t s = 0; s < l.statements.size(); ++s) {
-    if (read_statement(in, l.statements[s], v + first, t)) {
-      first += l.statements[s].size();
-      continue;
+// Reads the records of one layout into files of that layout.  The read
+// items of every statement are made once, over a scratch record that each
+// record is read into before it joins its file.
+class RecordReader {
+ public:
+  explicit RecordReader(const Layout& l) : values_(l.fields), texts_(l.texts) {
+    std::size_t k = 0;
+    for (const auto& statement : l.statements) {
+      std::vector<ReadItem>& items = items_.emplace_back();
+      for (const Field& f : statement) {
+        items.push_back(f.kind == 'I'   ? ReadItem::of(values_[k].i)
+                        : f.kind == 'R' ? ReadItem::of(values_[k].r)
+                                        : ReadItem::of(texts_[f.slot]));
+        ++k;
+      }
     }
-    f.values.resize(r.index * l.fields);
-    f.texts.resize(r.index * l.texts);
-    if (s == 0 && in.at_end() && in.failed_item() <= 1) return false;
-    const std::size_t item = std::max<std::size_t>(in.failed_item(), 1);
-    const Field& field = l.statements[s][std::min(item, l.statements[s].size()) - 1];
-    std::string what = f.name + " record " + std::to_string(r.number) + " (line " +
-                       std::to_string(r.line) + "), field " + std::to_string(first + item) + " (" +
-                       std::string(field.name) + "): ";
-    what += in.at_end() ? std::string("the file ends inside the record")
-                        : "cannot read '" + shown(in.failed_text()) + "'";
-    w.push_back(what + "; the reading stops here and uses " + std::to_string(f.kept_count()) +
-                " records");
-    return false;
   }
-  f.records.push_back(r);
-  return true;
+  RecordReader(const RecordReader&) = delete;
+  RecordReader& operator=(const RecordReader&) = delete;
+
+  // Reads one record of all its statements and adds it to f, as record
+  // `number` of the file.  False at the end, f as it was: quietly at the end
+  // of the file, else with a warning that names the record and field.
+  bool read(FreeReader& in, FileRead& f, int32_t number, Warnings& w) {
+    const Layout& l = *f.layout;
+    const Record r{number, in.line_number() + 1, 0, f.records.size()};
+    std::fill(values_.begin(), values_.end(), Value{});
+    for (std::string& t : texts_) t.clear();
+    std::size_t first = 0;
+    for (std::size_t s = 0; s < items_.size(); ++s) {
+      if (in.read(items_[s])) {
+        first += items_[s].size();
+        continue;
+      }
+      if (s == 0 && in.at_end() && in.failed_item() <= 1) return false;
+      const std::size_t item = std::max<std::size_t>(in.failed_item(), 1);
+      const Field& field = l.statements[s][std::min(item, l.statements[s].size()) - 1];
+      std::string what = f.name + " record " + std::to_string(r.number) + " (line " +
+                         std::to_string(r.line) + "), field " + std::to_string(first + item) +
+                         " (" + std::string(field.name) + "): ";
+      what += in.at_end() ? std::string("the file ends inside the record")
+                          : "cannot read '" + shown(in.failed_text()) + "'";
+      w.push_back(what + "; the reading stops here and uses " + std::to_string(f.kept_count()) +
+                  " records");
+      return false;
+    }
+    f.values.insert(f.values.end(), values_.begin(), values_.end());
+    f.texts.insert(f.texts.end(), texts_.begin(), texts_.end());
+    f.records.push_back(r);
+    return true;
+  }
+
+ private:
+  std::vector<Value> values_;                 // the scratch record's fields, by position
+  std::vector<std::string> texts_;            // its texts, by slot
+  std::vector<std::vector<ReadItem>> items_;  // the items of each statement over them
+};
+
+// Room for as many records as the file has lines, as each starts a line.
+void reserve(FileRead& f, const FreeReader& in) {
+  const std::string_view text = in.text();
+  std::size_t lines = 1;
+  for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1))
+    ++lines;
+  f.records.reserve(lines);
+  f.values.reserve(lines * f.layout->fields);
+  f.texts.reserve(lines * f.layout->texts);
 }
 
 // Takes the last record read off f again.
@@ -108,30 +128,31 @@ FileRead unread(const std::string& path, std::string_view ext) {
   return f;
 }
 
-FileRead read_records(const std::string& path, std::string_view ext, Warnings& w) {
+FileRead read_records(const std::string& path, std::string_view ext, FreeReader& in, Warnings& w) {
   FileRead f = unread(path, ext);
-  FreeReader in;
-  f.present = in.open(path);
+  f.present = in.is_open();
   if (!f.present) return f;
-  for (int32_t number = 1; read_record(in, f, number, w); ++number)
+  reserve(f, in);
+  RecordReader records(*f.layout);
+  for (int32_t number = 1; records.read(in, f, number, w); ++number)
     if (ext == ".L0") return f;  // its one record; the rest is not read
   return f;
 }
 
-FileRead read_switches(const std::string& path, Warnings& w) {
+FileRead read_switches(const std::string& path, FreeReader& in, Warnings& w) {
   FileRead f = unread(path, ".L13");
   FileRead groups = unread(path, ".L13G");  // the group number in front of a group, alone
-  FreeReader in;
-  f.present = in.open(path);
+  f.present = in.is_open();
   if (!f.present) return f;
+  RecordReader group_reader(*groups.layout), switch_reader(*f.layout);
   int32_t number = 0;  // switch records read
   for (;;) {
-    if (!read_record(in, groups, 0, w)) return f;
+    if (!group_reader.read(in, groups, 0, w)) return f;
     const int32_t group = groups.values[0].i;
     drop_last(groups);
     if (group < 1) continue;
     for (;;) {
-      if (!read_record(in, f, number + 1, w)) return f;
+      if (!switch_reader.read(in, f, number + 1, w)) return f;
       ++number;
       const Value* v = &f.value(f.records.back(), 0);
       if (v[0].i == 0 && v[1].i == 0 && v[2].i == 0 && v[3].i == 0) {
@@ -143,12 +164,11 @@ FileRead read_switches(const std::string& path, Warnings& w) {
   }
 }
 
-FileRead read_library(const std::string& path, Warnings& w) {
+FileRead read_library(const std::string& path, FreeReader& in, Warnings& w) {
   FileRead head = unread(path, ".DATH");
   FileRead f = unread(path, ".DAT");
-  FreeReader in;
-  f.present = in.open(path);
-  if (!f.present || !read_record(in, head, 1, w)) return f;
+  f.present = in.is_open();
+  if (!f.present || !RecordReader(*head.layout).read(in, head, 1, w)) return f;
   const std::vector<Value>& h = head.values;
   int64_t sections = 0;  // lines of the eight sections, one record a line
   for (int k = 0; k < 8; ++k) sections += std::max(h[k].i, 0);
@@ -157,8 +177,9 @@ FileRead read_library(const std::string& path, Warnings& w) {
     w.push_back(path + ": the file ends inside the sections before the parameter sets");
     return f;
   }
+  RecordReader sets(*f.layout);
   for (int32_t k = 1; k <= h[8].i; ++k) {
-    if (!read_record(in, f, k, w)) {
+    if (!sets.read(in, f, k, w)) {
       if (in.at_end() && in.failed_item() <= 1)
         w.push_back(path + ": the header announces " + std::to_string(h[8].i) +
                     " parameter sets, the file holds " + std::to_string(k - 1));

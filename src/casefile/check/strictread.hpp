@@ -11,14 +11,19 @@
 
 #include "casefile/check/layout.hpp"
 
+namespace lf {
+class FreeReader;
+}
+
 namespace lf::check {
 
 using Warnings = std::vector<std::string>;
 
-// A field's value: i for an integer field, r for a real one (the other 0).
+// A field's value: i for an integer field, r for a real one (the other 0;
+// Value{} is all zeros).
 struct Value {
-  int32_t i = 0;
-  double r = 0;
+  int32_t i;
+  double r;
 };
 
 // One record as read; its fields stand in its file's arrays (FileRead).
@@ -65,13 +70,17 @@ struct FileRead {
 // A file of the layout of `ext` before any reading: no records, not present.
 FileRead unread(const std::string& path, std::string_view ext);
 
+// The readers below take the file from `in`, opened on `path` beforehand
+// (not open when the file is missing), and read it to its end or its first
+// unreadable record.
+
 // A file of records of one layout, one after the other (.L0: one record).
-FileRead read_records(const std::string& path, std::string_view ext, Warnings& w);
+FileRead read_records(const std::string& path, std::string_view ext, FreeReader& in, Warnings& w);
 
 // .L13: groups of switch records, each record with its group.
-FileRead read_switches(const std::string& path, Warnings& w);
+FileRead read_switches(const std::string& path, FreeReader& in, Warnings& w);
 
 // .DAT: the header, the skipped sections and the parameter sets.
-FileRead read_library(const std::string& path, Warnings& w);
+FileRead read_library(const std::string& path, FreeReader& in, Warnings& w);
 
 }  // namespace lf::check
