@@ -74,9 +74,19 @@ class Arr {
   // Highest valid index.
   std::size_t size() const { return v_.size() - 1; }
 
-  // Makes sure that indices 1..n are valid; never shrinks.
+  // Makes sure that indices 1..n are valid; never shrinks.  An array of
+  // numbers that holds nothing yet (element 0 zero) takes new storage
+  // without copying into it, so that its pages stay untouched until used.
   void grow(std::size_t n) {
-    if (n + 1 > v_.size()) v_.resize(n + 1);
+    if (n + 1 <= v_.size()) return;
+    if constexpr (std::is_arithmetic_v<T>) {
+      const T zero{};
+      if (v_.size() == 1 && std::memcmp(v_.data(), &zero, sizeof(T)) == 0) {
+        std::vector<T, Alloc>(n + 1).swap(v_);
+        return;
+      }
+    }
+    v_.resize(n + 1);
   }
   // Sets the size to exactly n, keeping the first min(size, n) elements.
   void resize(std::size_t n) {

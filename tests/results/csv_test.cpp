@@ -37,29 +37,59 @@ TEST(CsvTables, MatchTheGoldenFiles) {
 namespace lf::test {
 namespace {
 
+// Writes a hand-made case FOLDER/C with the given files (extension, text),
+// has lfreport make its tables and gives their folder.
+std::string tables_of(const std::string& folder,
+                      std::initializer_list<std::pair<const char*, const char*>> files) {
+  std::filesystem::create_directory(folder);
+  for (const auto& [ext, text] : files) std::ofstream(folder + "/C." + ext) << text;
+  int status = -1;
+  output_of(kBin + "/lfreport " + folder + "/C --csv " + folder + "/csv", status);
+  EXPECT_EQ(status, 0);
+  return folder + "/csv/";
+}
+
+constexpr const char* kStamp = "  0,'LF Result File Created on 20260101 at 00:00:00',\n";
+
 // A bus number too wide for the bus report's field (above 9999) prints as
 // asterisks; the tables take it as the next bus after the last that has a
 // branch, and give every number in full.
 TEST(CsvTables, BusNumbersLostToAsterisksComeBack) {
-  std::filesystem::create_directory("wide");
-  std::ofstream("wide/W.L0") << "3 1 0 0 0 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n";
-  std::ofstream("wide/W.L1") << "'A' 110 1 0 0\n'LONE' 110 1 0 0\n'C' 110 1 0 0\n";
-  std::ofstream("wide/W.L2") << "1 1 3 7 0.01 0.1 0 0 0 0 0 0 0\n";
-  std::ofstream("wide/W.LP1") << "  0,'LF Result File Created on 20260101 at 00:00:00',\n"
-                              << "   1,   1.0000000000,   0.0000000000,\n"
-                              << "****,   0.9876543210,  -1.2345678901,\n";
-  std::ofstream("wide/W.LP2") << "     1,     3,     7,  12.34567, -0.12345,  12.34567,  0.00000,"
-                                 "   0.00000,   0.00000,\n";
-  int status = -1;
-  output_of(kBin + "/lfreport wide/W --csv wide/csv", status);
-  ASSERT_EQ(status, 0);
-  EXPECT_EQ(read_file("wide/csv/buses.csv"),
+  const std::string lp1 = std::string(kStamp) + "   1,   1.0000000000,   0.0000000000,\n" +
+                          "****,   0.9876543210,  -1.2345678901,\n";
+  const std::string csv =
+      tables_of("wide", {{"L0", "3 1 0 0 0 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n"},
+                         {"L1", "'A' 110 1 0 0\n'LONE' 110 1 0 0\n'C' 110 1 0 0\n"},
+                         {"L2", "1 1 3 7 0.01 0.1 0 0 0 0 0 0 0\n"},
+                         {"LP1", lp1.c_str()},
+                         {"LP2",
+                          "     1,     3,     7,  12.34567, -0.12345,  12.34567,  0.00000,"
+                          "   0.00000,   0.00000,\n"}});
+  EXPECT_EQ(read_file(csv + "buses.csv"),
             "bus,source_bus,name,area,base_kv,v_pu,angle_deg,vmin_pu,vmax_pu\n"
             "1,,\"A\",1,110,1,0,0.9,1.1\n"
             "2,,\"LONE\",1,110,,,0.9,1.1\n"
             "3,,\"C\",1,110,0.987654321,-1.2345678901,0.9,1.1\n");
-  EXPECT_NE(read_file("wide/csv/branches.csv").find("\n1,3,7,,,\"A\",\"C\",12.34567,-0.12345,"),
+  EXPECT_NE(read_file(csv + "branches.csv").find("\n1,3,7,,,\"A\",\"C\",12.34567,-0.12345,"),
             std::string::npos);
+}
+
+// Generator report lines take type and limits from the rows as read at
+// their bus, in turn, whatever the rows of other buses between them.
+TEST(CsvTables, GeneratorsTakeTheRowsOfTheirBusInTurn) {
+  const std::string lp1 = std::string(kStamp) + "   1,   1.0000000000,   0.0000000000,\n" +
+                          "   2,   1.0000000000,   0.0000000000,\n";
+  const std::string csv = tables_of(
+      "gens", {{"L0", "2 0 0 0 3 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n"},
+               {"L1", "'A' 110 1 0 0\n'B' 110 1 0 0\n"},
+               {"L5", "1 2 -2 0 0 1 0 0.5 -0.5\n1 1 0 0 0 1 0 0.7 -0.7\n1 2 -2 0 0 1 0 0.3 -0.3\n"},
+               {"LP1", lp1.c_str()},
+               {"LP5", "2, 0.1, 0.5, 0,\n1, 0.1, 0.2, 0,\n2, 0.1, 0.3, 0,\n"}});
+  EXPECT_EQ(read_file(csv + "generators.csv"),
+            "bus,source_bus,name,type,p_pu,q_pu,qmin_pu,qmax_pu,merged,at_q_limit\n"
+            "2,,\"B\",-2,0.1,0.5,-0.5,0.5,0,1\n"
+            "1,,\"A\",0,0.1,0.2,-0.7,0.7,0,0\n"
+            "2,,\"B\",-2,0.1,0.3,-0.3,0.3,0,1\n");
 }
 
 }  // namespace

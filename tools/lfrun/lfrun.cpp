@@ -1,5 +1,6 @@
 // lfrun: runs load-flow calculations on a case and prints the engine's
 // lines.  See kUsage for the options.
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -26,6 +27,8 @@ namespace fs = std::filesystem;
 constexpr int kExitConverged = 0;
 constexpr int kExitNotConverged = 1;
 constexpr std::size_t kCaseNameWidth = 60;
+constexpr int kMapAlone = 32 << 20;   // bytes from which a memory block gets a mapping of its own
+constexpr int kKeepFree = 256 << 20;  // freed memory kept in the process, bytes
 
 constexpr const char* kUsage =
     "usage: lfrun [options] CASE_STEM\n"
@@ -183,6 +186,12 @@ int enter_case(const Options& o) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // The stages of a run (case check, calculation, summary) take memory and
+  // give it back one after the other: kept in the process rather than
+  // returned to the system at once, the pages one stage wrote serve the
+  // next, which would otherwise fault in fresh ones.
+  mallopt(M_MMAP_THRESHOLD, kMapAlone);
+  mallopt(M_TRIM_THRESHOLD, kKeepFree);
   Options o;
   if (int status = parse(argc, argv, o); status >= 0) return status;
   if (int status = enter_case(o); status >= 0) return status;

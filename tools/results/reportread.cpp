@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -283,18 +284,29 @@ class Reader {
   // the rows of buses left out; each takes its type and limits from the
   // next row as read at the same bus.
   void read_generators() {
-    std::map<int, std::size_t> next;  // bus -> next row as read to look at
+    // The rows as read, by bus and within a bus in their order.
+    std::vector<std::size_t> rows(case_generators_.size());
+    std::iota(rows.begin(), rows.end(), std::size_t{0});
+    std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
+      return case_generators_[a].bus < case_generators_[b].bus;
+    });
+    std::map<int, std::size_t> next;  // bus -> place in rows of its next row as read
     for (ReportLines f(stem_ + ".LP5"); f.next();) {
       Generator g;
       if (f.size() < 4 || !number(f[1], g.p) || !number(f[2], g.q)) continue;
       integer(f[3], g.merged);
       if (!integer(f[0], g.bus)) g.bus = 0;
-      std::size_t& k = next[g.bus];
-      while (k < case_generators_.size() && case_generators_[k].bus != g.bus) ++k;
-      if (k < case_generators_.size()) {
-        g.type = case_generators_[k].type;
-        g.qmin = case_generators_[k].qmin;
-        g.qmax = case_generators_[k].qmax;
+      const auto [at, first] = next.try_emplace(g.bus, 0);
+      std::size_t& k = at->second;
+      if (first)
+        k = static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), g.bus,
+                                                      [&](std::size_t row, int bus) {
+                                                        return case_generators_[row].bus < bus;
+                                                      }) -
+                                     rows.begin());
+      if (k < rows.size() && case_generators_[rows[k]].bus == g.bus) {
+        const Generator& row = case_generators_[rows[k]];
+        g.type = row.type, g.qmin = row.qmin, g.qmax = row.qmax;
         ++k;
       }
       r_.generators.push_back(g);
