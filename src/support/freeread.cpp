@@ -154,13 +154,20 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
 }
 
 // Takes the plain value at p (not blank) into its item: a number that
-// converts quickly, or a text without quote or star, either up to a
-// separator or the line's end.  Gives the end of the value, or nullptr when
-// the value is not of that kind and the item is left alone.
+// converts quickly, or a text without quote or star that does not start with
+// a slash or comma, either up to a separator or the line's end.  Gives the end of the value, or
+// nullptr when the value is not of that kind and the item is left alone.
 const char* plain(const ReadItem& it, const char* p, const char* last) {
   const auto ends = [&](const char* q) { return q == last || ends_value(*q); };
+  // One digit alone, most numbers of a case, needs no conversion.
+  const unsigned digit = static_cast<unsigned char>(*p) - unsigned{'0'};
+  const bool one_digit = digit <= 9 && ends(p + 1);
   switch (it.kind) {
     case ReadItem::Kind::Int: {
+      if (one_digit) {
+        *static_cast<int32_t*>(it.p) = static_cast<int32_t>(digit);
+        return p + 1;
+      }
       int32_t v = 0;
       const char* q = quick_int(p, last, v);
       if (q == nullptr || !ends(q)) return nullptr;
@@ -168,6 +175,10 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
       return q;
     }
     case ReadItem::Kind::Real: {
+      if (one_digit) {
+        *static_cast<double*>(it.p) = digit;
+        return p + 1;
+      }
       // A number of many digits converts in the C++ library's correctly
       // rounded way when the value is a normal one.
       double v = 0;
@@ -183,7 +194,7 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
     }
     case ReadItem::Kind::Chars:
     case ReadItem::Kind::String: {
-      if (*p == '\'' || *p == '"' || *p == ',') return nullptr;
+      if (*p == '\'' || *p == '"' || *p == ',' || *p == '/') return nullptr;
       const char* q = p;
       for (; q != last && !ends_value(*q); ++q)
         if (*q == '*') return nullptr;
@@ -240,16 +251,16 @@ bool FreeReader::read(std::span<const ReadItem> items) {
     ++item_;
     if (repeat == 0) {
       if ((p == end || is_blank(*p)) && !skip_blanks()) return false;
-      if (*p == '/') return true;
       // A plain value, the common case, taken in one scan: a number
       // converted as its end is found, or a text up to the next separator.
-      // A quote, a null, a star or a number that needs the full conversion
-      // leaves it to the rules below.
+      // A slash, a quote, a null, a star or a number that needs the full
+      // conversion leaves it to the rules below.
       if (const char* after = plain(it, p, end)) {
         p = after;
         skip_separator();
         continue;
       }
+      if (*p == '/') return true;
       quoted = false;
       null = false;
       repeat = 1;
