@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <numeric>
 #include <string_view>
@@ -186,6 +188,12 @@ class Reader {
 
   bool run() {
     if (!read_control()) return false;
+    // Room for the records that the control file counts, as far as the
+    // files can hold them: growth would copy them over and over.
+    make_room(r_.buses, counts_[0], {".L1"});
+    make_room(r_.branches, static_cast<long long>(counts_[1]) + counts_[2], {".LP2", ".LP3"});
+    make_room(r_.generators, counts_[4], {".LP5"});
+    make_room(r_.loads, counts_[5], {".LP6"});
     read_buses();
     read_case_rows();
     read_map();
@@ -200,6 +208,19 @@ class Reader {
   }
 
  private:
+  // Reserves room for n elements, at most one for every 16 bytes of the
+  // files with the given extensions (a hint only: no record is that short).
+  template <typename T>
+  void make_room(std::vector<T>& v, long long n, std::initializer_list<const char*> files) {
+    std::uintmax_t bytes = 0;
+    for (const char* ext : files) {
+      std::error_code ec;
+      const std::uintmax_t size = std::filesystem::file_size(stem_ + ext, ec);
+      if (!ec) bytes += size;
+    }
+    if (n > 0) v.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(n, bytes / 16)));
+  }
+
   void problem(const std::string& file, const std::string& what) {
     r_.problems.push_back(stem_ + file + ": " + what);
   }
