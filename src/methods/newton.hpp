@@ -1,11 +1,12 @@
 // The Newton-type load-flow methods in rectangular coordinates and their
 // Jacobians.  The unknowns are E and F of each bus; the two equations of a bus
 // form one 2 by 2 block, so the Jacobian is a matrix of blocks held by rows
-// (IA, JA, AA, AB, AC, AD) in the ordering of the admittance matrix.
+// (IA, JA, A) in the ordering of the admittance matrix.
 #pragma once
 
 #include <cstdint>
 
+#include "sparse/blockfactor.hpp"
 #include "support/arr.hpp"
 
 namespace lf {
@@ -17,16 +18,19 @@ namespace lf {
 extern Arr<uint8_t> JKIND;
 
 // Power-equation Jacobian at the present E, F.  ir, ii are the bus current
-// sums left by allbpq; nent is the capacity of the matrix (2 NYENT).
+// sums left by allbpq; nent is the capacity of the matrix (2 NYENT).  With
+// `at`, the block of position k goes to place at[k] of a instead of k
+// (the order in which the last factorisation of this pattern reads them,
+// BlockStore::value_at); ia, ja stay by position.
 void formj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab, Arr<double>& ad);
+           Arr<int32_t>& ja, Arr<MatrixBlock>& a, const int32_t* at = nullptr);
 
 // Current-equation Jacobian: rows with P and Q given hold the real and
 // imaginary current balance, rows with V given the power form.  d1, d2 hold PC,
-// QC on entry and the mismatches on return.
+// QC on entry and the mismatches on return.  `at` as for formj.
 void iformj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
-            Arr<double>& ab, Arr<double>& ad);
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a,
+            const int32_t* at = nullptr);
 
 // The methods; status is the calculation's convergent flag (1 converged).
 void newtonp(int32_t& status);  // method 4: decoupled start, power mismatch test

@@ -33,30 +33,29 @@ inline BlockStore::Sum forward_step(const double* piv, double r1, double r2,
 // Loads the entries of the column at place c on and below the diagonal into
 // side 0 of the work row and those of its row right of the diagonal into
 // side 1.  The work row already holds the pattern of the factor, which
-// covers the matrix's; the entries stand together in f.low (see gather).
-void load(const BlockStore& f, int32_t c, BlockWork& w) {
+// covers the matrix's; the entries stand together in v, in the order of
+// f.loads.
+void load(const BlockStore& f, const BlockValues& v, int32_t c, BlockWork& w) {
   const int32_t* start = f.load_start.data() + 2 * c - 1;  // side 0, side 1, end
   for (int side = 0; side < 2; ++side) {
     for (int32_t t = start[side]; t < start[side + 1]; ++t) {
-      const double* b = f.low[static_cast<std::size_t>(t)].v;
+      const double* b = v.a[t + 1].v;
       w.set(side, f.loads[static_cast<std::size_t>(t)].row, b[0], b[1], b[2], b[3]);
     }
   }
 }
 
-// Copies the matrix's blocks into f.low in the order of f.loads: one pass
-// along the rows, which reads the matrix in the order it is stored, so that
-// the factorisation then finds each column's entries side by side instead of
-// one per row far apart.
-void gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
-  if (A.n < 1) return;
-  const int32_t* slot = f.load_slot.data();
-  BlockStore::Block* low = f.low.data();
-  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p) {
-    if (slot[p] < 0) continue;  // loaded by no column
-    double* b = low[slot[p]].v;
-    b[0] = v.aa[p], b[1] = v.ab[p], b[2] = v.ac[p], b[3] = v.ad[p];
-  }
+// Copies the matrix's blocks by position into f.low in the order of
+// f.loads: one pass along the rows, which reads the matrix in the order it
+// is stored, so that the factorisation then finds each column's entries
+// side by side instead of one per row far apart.  Returns the view of them.
+BlockValues gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  MatrixBlock* low = f.low.data();
+  if (A.n < 1) return {low, true};
+  const int32_t* at = f.value_at.data();
+  // A position that no column loads goes to the spare place 0.
+  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p) low[at[p]] = v.a[p];
+  return {low, true};
 }
 
 // Column i of L and row i of U in the work row, the matrix's entries
@@ -134,7 +133,7 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
   const std::vector<int32_t>& start = f.start;
   const std::vector<Link>& above = f.above;
 
-  gather(A, v, f);
+  const BlockValues loaded = v.in_load_order ? v : gather(A, v, f);
   BlockWork& w = f.work;
   w.fit(n);
   f.sol.resize(static_cast<std::size_t>(n) + 1);
@@ -150,7 +149,7 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(c)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(c) + 1]);
-    load(f, c, w);
+    load(f, loaded, c, w);
     BlockStore::Sum sum{0.0, 0.0};
     eliminate(iu, ju, f.val.data(), above.data() + from, to - from, above.size() - from, w, y, sum);
     const int32_t i = f.order[static_cast<std::size_t>(c)];

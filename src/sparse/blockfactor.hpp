@@ -63,9 +63,18 @@ struct BlockPattern {
   const BlockChains* chains = nullptr;
 };
 
-// A view of the matrix's blocks [aa ab; ac ad], by position.
+// One 2 x 2 block [a b; c d] of a matrix, as {a, b, c, d}.
+struct MatrixBlock {
+  double v[4];
+};
+
+// A view of the matrix's blocks: by position, or, with in_load_order, at the
+// places that the last nonsym74 gave the positions in value_at (the order in
+// which the factorisation reads them, which spares it the copy into that
+// order).
 struct BlockValues {
-  const double *aa = nullptr, *ab = nullptr, *ac = nullptr, *ad = nullptr;
+  const MatrixBlock* a = nullptr;
+  bool in_load_order = false;
 };
 
 // An entry of a layout: a row or column (its number or its place, as the
@@ -97,13 +106,15 @@ struct BlockStore {
   // of its row (below) or column (right) and its position in the matrix.
   std::vector<int32_t> start, load_start;
   std::vector<Link> above, loads;
-  std::vector<int32_t> load_slot;  // by matrix position: its place in loads, -1 for none
-  // One block [a b; c d] of the matrix.
-  struct Block {
-    double v[4];
-  };
-  std::vector<Block> low;  // by place in loads: the matrix's block, copied by each factorisation
-  BlockWork work{0};       // the dense work row of the factorisations, by place
+  // By matrix position: the place 1.. of its block in the order of loads
+  // (the entry loads[t] has place t+1), 0 for a position that no column
+  // loads.  Made by nonsym74; a caller may form the next matrix's blocks at
+  // these places and pass them in_load_order.
+  std::vector<int32_t> value_at;
+  // The matrix's blocks by place in the order of loads: copied there by
+  // each factorisation given blocks by position.
+  std::vector<MatrixBlock> low;
+  BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row: the forward and then the backward
   // solution by place, 1..n, written and read by solvxn alone.
   struct Sum {
