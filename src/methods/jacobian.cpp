@@ -68,13 +68,11 @@ const uint8_t* bus_kinds(int32_t n) {
   return JKIND.data();
 }
 
-// Where the blocks go: by position k, or at at[k] when given (the order in
-// which the factorisation reads them).
+// The blocks of the Jacobian by position.
 struct Blocks {
   Arr<MatrixBlock>& a;
-  const int32_t* at;
   void put(int32_t k, double xa, double xb, double xc, double xd) const {
-    a[at ? at[k] : k] = {{xa, xb, xc, xd}};
+    a[k] = {{xa, xb, xc, xd}};
   }
 };
 
@@ -137,10 +135,10 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
 Arr<uint8_t> JKIND;
 
 void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<MatrixBlock>& a, const int32_t* at) {
+           Arr<int32_t>& ja, Arr<MatrixBlock>& a) {
   const int32_t n = NO.nnode;
   const uint8_t* kind = bus_kinds(n);
-  const Blocks blocks{a, at};
+  const Blocks blocks{a};
   int32_t k = 1;
   ia[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
@@ -151,11 +149,10 @@ void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<i
 }
 
 void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a,
-            const int32_t* at) {
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a) {
   const int32_t n = NO.nnode;
   const uint8_t* kind = bus_kinds(n);
-  const Blocks blocks{a, at};
+  const Blocks blocks{a};
   const bool inject = NU.nud != 0 || UPCLF != 0;  // the models' extra injections
   int32_t k = 1;
   ia[1] = 1;

@@ -67,14 +67,12 @@ void heading(Form form) {
   }
 }
 
-// The equations and the Jacobian at the present voltages; `first` as for
-// factorise_solve.
-void form_system(Form form, NewtonWork& w, bool first) {
+// The equations and the Jacobian at the present voltages.
+void form_system(Form form, NewtonWork& w) {
   allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
-  const int32_t* at = jacobian_places(w, first);
   if (form != Form::Current) {
     power_mismatch(w);
-    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A, at);
+    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A);
     return;
   }
   // The current form keeps only PG, QG, PL, QL of the power mismatch rules;
@@ -85,7 +83,7 @@ void form_system(Form form, NewtonWork& w, bool first) {
     w.D1[i] = w.PC[i];
     w.D2[i] = w.QC[i];
   }
-  iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.A, at);
+  iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.A);
 }
 
 void correction_test(Form form, int32_t& status) {
@@ -108,7 +106,7 @@ void correction_test(Form form, int32_t& status) {
     for (;;) {
       run_models(t);
       if (LFINF.ndcline != 0) dctran();
-      form_system(form, w, t == 0);
+      form_system(form, w);
       if (const int32_t at = nonfinite_at(w.n, w.D1, w.D2))
         return diverge(w, before, "mismatch", at, status);
       factorise_solve(w, t == 0, w.D1, w.D2, w.X1, w.X2);

@@ -18,19 +18,15 @@ namespace lf {
 extern Arr<uint8_t> JKIND;
 
 // Power-equation Jacobian at the present E, F.  ir, ii are the bus current
-// sums left by allbpq; nent is the capacity of the matrix (2 NYENT).  With
-// `at`, the block of position k goes to place at[k] of a instead of k
-// (the order in which the last factorisation of this pattern reads them,
-// BlockStore::value_at); ia, ja stay by position.
+// sums left by allbpq; nent is the capacity of the matrix (2 NYENT).
 void formj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<MatrixBlock>& a, const int32_t* at = nullptr);
+           Arr<int32_t>& ja, Arr<MatrixBlock>& a);
 
 // Current-equation Jacobian: rows with P and Q given hold the real and
 // imaginary current balance, rows with V given the power form.  d1, d2 hold PC,
-// QC on entry and the mismatches on return.  `at` as for formj.
+// QC on entry and the mismatches on return.
 void iformj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a,
-            const int32_t* at = nullptr);
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a);
 
 // The methods; status is the calculation's convergent flag (1 converged).
 void newtonp(int32_t& status);  // method 4: decoupled start, power mismatch test

@@ -44,21 +44,15 @@ BlockValues values_of(const NewtonWork& w) {
 
 }  // namespace
 
-const int32_t* jacobian_places(const NewtonWork& w, bool first) {
-  return first ? nullptr : w.factors.value_at.data();
-}
-
 void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr<double>& r2,
                      Arr<double>& x1, Arr<double>& x2) {
   const BlockPattern a{w.n, w.IA.data(), w.JA.data(), &w.chains};
   const BlockRhs rhs{r1.data(), r2.data()};
-  BlockValues v = values_of(w);
   if (first) {
     adlink7l(w.IA, w.JA, w.n, w.chains);
-    nonsym74(a, v, w.factors, &rhs);
+    nonsym74(a, values_of(w), w.factors, &rhs);
   } else {
-    v.in_load_order = true;
-    nonsym74o(a, v, w.factors, &rhs);
+    nonsym74o(a, values_of(w), w.factors, &rhs);
   }
   solvxn_back(w.factors, x1, x2);
   if (w.factors.overflow_at != 0) x1[w.factors.overflow_at] = std::nan("");

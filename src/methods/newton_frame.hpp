@@ -36,7 +36,7 @@ struct NewtonWork {
   Arr<double> X1, X2;          // corrections of E and F
   Arr<double> C1, C2;          // the power of the correction alone
   Arr<int32_t> IA, JA;         // the Jacobian by rows
-  Arr<MatrixBlock> A;          // its blocks: by position, or where jacobian_places says
+  Arr<MatrixBlock> A;          // its blocks by position
   BlockChains chains;          // the column chains of the Jacobian, linked with each new pattern
   BlockStore factors;          // its block factors, sized by the fill-in they need
   Arr<int32_t> FIRST;  // by internal bus: the first reduced number with that internal number
@@ -69,16 +69,9 @@ extern NewtonWork NWORK;
 // NWORK, sized for the present case.
 NewtonWork& newton_work();
 
-// Where formj and iformj put the Jacobian's blocks for factorise_solve: by
-// position (nullptr) for the first factorisation of a pattern, which lays it
-// out, and for the later ones at the places that it gave them, the order in
-// which the factorisation reads them.
-const int32_t* jacobian_places(const NewtonWork& w, bool first);
-
 // Forms the Jacobian's factors and solves them for the right-hand sides
 // r1, r2 into x1, x2: with `first` the fill-in is found anew, otherwise the
-// pattern of the last such call is reused and the blocks stand at the places
-// of jacobian_places.  Entries so large (a load of
+// pattern of the last such call is reused.  Entries so large (a load of
 // 1e200, say) that a pivot block's determinant overflows would invert to
 // zeros and the bus would get a correction of 0, which reads as converged;
 // such a bus is noted in the factors' overflow_at and its correction is NaN,

@@ -68,13 +68,9 @@ struct MatrixBlock {
   double v[4];
 };
 
-// A view of the matrix's blocks: by position, or, with in_load_order, at the
-// places that the last nonsym74 gave the positions in value_at (the order in
-// which the factorisation reads them, which spares it the copy into that
-// order).
+// A view of the matrix's blocks, by position.
 struct BlockValues {
   const MatrixBlock* a = nullptr;
-  bool in_load_order = false;
 };
 
 // An entry of a layout: a row or column (its number or its place, as the
@@ -95,7 +91,10 @@ struct BlockStore {
   std::vector<int32_t> order;  // [1..n] by place: the row (bus number) worked out there
   std::vector<int32_t> iu;     // [1..n] by place: the row's pivot position; [n+1] one past the last
   std::vector<int32_t> ju;     // by position: the place of the column of U (= row of L)
-  std::vector<BlockEntry> val;  // by position: the L block and the U block
+  // By position: the L block and the U block (at a pivot the pivot block
+  // and the identity, which nothing reads), in two stores of their own so
+  // that the backward solution reads U alone.
+  std::vector<FactorBlock> lval, uval;
   // The layouts of the elimination, made by nonsym74 and read by each
   // factorisation, both by place c of a column, in the order of the work.
   // above[start[c] ..]: the entries of U in column c (the place of their row
@@ -108,11 +107,10 @@ struct BlockStore {
   std::vector<Link> above, loads;
   // By matrix position: the place 1.. of its block in the order of loads
   // (the entry loads[t] has place t+1), 0 for a position that no column
-  // loads.  Made by nonsym74; a caller may form the next matrix's blocks at
-  // these places and pass them in_load_order.
+  // loads.  Made by nonsym74, read by each factorisation.
   std::vector<int32_t> value_at;
-  // The matrix's blocks by place in the order of loads: copied there by
-  // each factorisation given blocks by position.
+  // The matrix's blocks by place in the order of loads, copied there by
+  // each factorisation.
   std::vector<MatrixBlock> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row: the forward and then the backward

@@ -159,7 +159,8 @@ void place_rows(const RowPattern& p, const std::vector<int32_t>& place, BlockSto
           place[static_cast<std::size_t>(p.ju[static_cast<std::size_t>(s)])];
   }
   f.iu[static_cast<std::size_t>(n) + 1] = q;
-  f.val.resize(p.ju.size());
+  f.lval.resize(p.ju.size());
+  f.uval.resize(p.ju.size());
 }
 
 // Lays out the entries of U by the place of their column, each column's by

@@ -111,8 +111,8 @@ TEST(BlockFactors, RandomSystemsMatchDenseSolveAndRefactorisation) {
     again(m, ch, g);
     const int32_t used = f.iu[static_cast<std::size_t>(m.n) + 1] - 1;
     for (int32_t p = 1; p <= used; ++p)
-      for (int side = 0; side < 2; ++side)
-        for (int k = 0; k < 4; ++k) ASSERT_EQ(g.val[p].v[side][k], f.val[p].v[side][k]);
+      for (int k = 0; k < 4; ++k)
+        ASSERT_TRUE(g.lval[p].v[k] == f.lval[p].v[k] && g.uval[p].v[k] == f.uval[p].v[k]);
     // New values on the same pattern.
     std::uniform_real_distribution<double> u(0.5, 1.5);
     for (int32_t i = 1; i <= m.n; ++i) {
@@ -151,7 +151,7 @@ TEST(BlockFactors, SingularPivotBlockTakesTheSmallestDeterminant) {
   BlockStore f;
   first_factors(m, ch, f);
   // U of row 1 = inverse of the pivot, with determinant 1e-20, times the identity.
-  const double* u = f.val[static_cast<std::size_t>(f.iu[1]) + 1].v[1];
+  const double* u = f.uval[static_cast<std::size_t>(f.iu[1]) + 1].v;
   EXPECT_DOUBLE_EQ(u[0], 4 / 1e-20);
   EXPECT_DOUBLE_EQ(u[1], -2 / 1e-20);
   EXPECT_DOUBLE_EQ(u[2], -2 / 1e-20);
