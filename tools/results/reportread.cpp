@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <numeric>
 #include <string_view>
@@ -21,81 +23,6 @@ namespace {
 
 constexpr double kNoBaseKv = 1e-4;  // a base voltage at most this is none
 constexpr double kNoLimit = 1e-3;   // a per-unit limit at most this is none
-
-// A report file taken in whole and handed out a line at a time, each line
-// split into its fields: the text between commas outside quotes, without
-// the quotes, carriage returns and the blanks at either end.  The text after
-// the last comma is no field.  A field of asterisks (a value too wide for
-// it) stays as it is.  No file reads as no lines.
-class ReportLines {
- public:
-  explicit ReportLines(const std::string& path) {
-    lf::read_whole_file(path, text_);
-    // Quotes and carriage returns are rare (the first line of the bus
-    // report): lines after the last of them need no cleaning.
-    for (const char c : {'\'', '\r'}) {
-      if (const void* last = memrchr(text_.data(), c, text_.size()))
-        plain_from_ = std::max(plain_from_, static_cast<const char*>(last) - text_.data() + 1);
-    }
-  }
-
-  // Takes the next line; false at the end of the file.
-  bool next() {
-    if (pos_ >= text_.size()) return false;
-    const char* line = text_.data() + pos_;
-    const auto* stop = static_cast<const char*>(std::memchr(line, '\n', text_.size() - pos_));
-    const std::size_t end = stop ? static_cast<std::size_t>(stop - text_.data()) : text_.size();
-    bounds_.clear();
-    const std::string_view plain(line, end - pos_);
-    if (static_cast<std::ptrdiff_t>(pos_) >= plain_from_ ||
-        plain.find_first_of("'\r") == plain.npos) {  // the fields as they stand
-      line_ = plain;
-      for (std::size_t start = 0, comma; (comma = plain.find(',', start)) != plain.npos;
-           start = comma + 1)
-        bounds_.emplace_back(start, comma);
-      pos_ = end + 1;
-      return true;
-    }
-    clean_.clear();
-    std::size_t start = 0;
-    bool quoted = false;
-    for (std::size_t k = pos_; k < end; ++k) {
-      const char c = text_[k];
-      if (c == '\'') {
-        quoted = !quoted;
-      } else if (c == ',' && !quoted) {
-        bounds_.emplace_back(start, clean_.size());
-        start = clean_.size();
-      } else if (c != '\r') {
-        clean_ += c;
-      }
-    }
-    line_ = clean_;
-    pos_ = end + 1;
-    return true;
-  }
-
-  std::size_t size() const { return bounds_.size(); }
-  std::vector<std::string> fields() const {
-    std::vector<std::string> out;
-    for (std::size_t k = 0; k < size(); ++k) out.emplace_back((*this)[k]);
-    return out;
-  }
-  std::string_view operator[](std::size_t k) const {
-    std::string_view f(line_.data() + bounds_[k].first, bounds_[k].second - bounds_[k].first);
-    while (!f.empty() && f.front() == ' ') f.remove_prefix(1);
-    while (!f.empty() && f.back() == ' ') f.remove_suffix(1);
-    return f;
-  }
-
- private:
-  std::string text_;               // the whole file
-  std::size_t pos_ = 0;            // start of the next line
-  std::ptrdiff_t plain_from_ = 0;  // no quote nor carriage return from here on
-  std::string clean_;              // the present line without quotes, where it has any
-  std::string_view line_;          // the present line: in text_, or clean_
-  std::vector<std::pair<std::size_t, std::size_t>> bounds_;  // its fields in line_
-};
 
 // A field as a number, as strtod takes it, the whole field used.  The plain
 // decimal forms of the reports convert without a copy.
@@ -122,12 +49,151 @@ bool integer(std::string_view text, int& v) {
   return true;
 }
 
+// A report file taken in whole and handed out a line at a time, each line
+// split into its fields: the text between commas outside quotes, without
+// the quotes, carriage returns and the blanks at either end.  The text after
+// the last comma is no field.  A field of asterisks (a value too wide for
+// it) stays as it is.  No file reads as no lines.  The fields are found
+// when first asked for by place, or taken one after another from the first
+// (take), which converts a plain number where it stands.
+class ReportLines {
+ public:
+  explicit ReportLines(const std::string& path) {
+    lf::read_whole_file(path, text_);
+    // Quotes and carriage returns are rare (the first line of the bus
+    // report): lines after the last of them need no cleaning.
+    for (const char c : {'\'', '\r'}) {
+      if (const void* last = memrchr(text_.data(), c, text_.size()))
+        plain_from_ = std::max(plain_from_, static_cast<const char*>(last) - text_.data() + 1);
+    }
+  }
+
+  // Takes the next line; false at the end of the file.
+  bool next() {
+    if (pos_ >= text_.size()) return false;
+    const char* line = text_.data() + pos_;
+    const auto* stop = static_cast<const char*>(std::memchr(line, '\n', text_.size() - pos_));
+    const std::size_t end = stop ? static_cast<std::size_t>(stop - text_.data()) : text_.size();
+    const std::string_view plain(line, end - pos_);
+    const bool clean = static_cast<std::ptrdiff_t>(pos_) >= plain_from_ ||
+                       plain.find_first_of("'\r") == plain.npos;
+    pos_ = end + 1;
+    bounds_.clear();
+    taken_ = 0;
+    split_ = !clean;
+    if (clean) {  // the fields as they stand
+      line_ = plain;
+      return true;
+    }
+    clean_.clear();
+    std::size_t start = 0;
+    bool quoted = false;
+    for (const char c : plain) {
+      if (c == '\'') {
+        quoted = !quoted;
+      } else if (c == ',' && !quoted) {
+        bounds_.emplace_back(start, clean_.size());
+        start = clean_.size();
+      } else if (c != '\r') {
+        clean_ += c;
+      }
+    }
+    line_ = clean_;
+    return true;
+  }
+
+  std::size_t size() {
+    split();
+    return bounds_.size();
+  }
+  std::vector<std::string> fields() {
+    std::vector<std::string> out;
+    for (std::size_t k = 0; k < size(); ++k) out.emplace_back((*this)[k]);
+    return out;
+  }
+  std::string_view operator[](std::size_t k) {
+    split();
+    return trimmed(bounds_[k].first, bounds_[k].second);
+  }
+
+  // The next field as a number (ok: it reads as one, as number() says) or
+  // as an integer (as integer() says); false when the line has no further
+  // field.
+  bool take(double& v, bool& ok) {
+    return take(
+        v, ok, [](const char* p, const char* e, double& x) { return lf::quick_real(p, e, x); },
+        number);
+  }
+  bool take(int& v, bool& ok) { return take(v, ok, lf::quick_int, integer); }
+
+ private:
+  std::string_view trimmed(std::size_t from, std::size_t to) const {
+    std::string_view f = line_.substr(from, to - from);
+    while (!f.empty() && f.front() == ' ') f.remove_prefix(1);
+    while (!f.empty() && f.back() == ' ') f.remove_suffix(1);
+    return f;
+  }
+
+  // Finds the fields of a line as it stands.
+  void split() {
+    if (split_) return;
+    for (std::size_t start = 0, comma; (comma = line_.find(',', start)) != line_.npos;
+         start = comma + 1)
+      bounds_.emplace_back(start, comma);
+    split_ = true;
+  }
+
+  // In a line as it stands, a plain number with blanks around it and a
+  // comma after converts where it stands; any other field as a whole
+  // through convert.
+  template <typename T, typename Quick>
+  bool take(T& v, bool& ok, Quick quick, bool (*convert)(std::string_view, T&)) {
+    if (split_) {
+      if (taken_ == bounds_.size()) return false;
+      ok = convert(trimmed(bounds_[taken_].first, bounds_[taken_].second), v);
+      ++taken_;
+      return true;
+    }
+    const char *p = line_.data() + taken_, *end = line_.data() + line_.size();
+    while (p != end && *p == ' ') ++p;
+    if (const char* q = quick(p, end, v)) {
+      while (q != end && *q == ' ') ++q;
+      if (q != end && *q == ',') {
+        taken_ = static_cast<std::size_t>(q - line_.data()) + 1;
+        return ok = true;
+      }
+    }
+    const std::size_t comma = line_.find(',', taken_);
+    if (comma == line_.npos) return false;
+    ok = convert(trimmed(taken_, comma), v);
+    taken_ = comma + 1;
+    return true;
+  }
+
+  std::string text_;               // the whole file
+  std::size_t pos_ = 0;            // start of the next line
+  std::ptrdiff_t plain_from_ = 0;  // no quote nor carriage return from here on
+  std::string clean_;              // the present line without quotes, where it has any
+  std::string_view line_;          // the present line: in text_, or clean_
+  bool split_ = false;             // bounds_ holds the fields of line_
+  std::vector<std::pair<std::size_t, std::size_t>> bounds_;  // the fields in line_
+  // Fields taken: in a line as it stands (split_ false) where the next one
+  // starts, else how many.
+  std::size_t taken_ = 0;
+};
+
 class Reader {
  public:
   Reader(const std::string& stem, CaseResults& r) : stem_(stem), r_(r) {}
 
   bool run() {
     if (!read_control()) return false;
+    // Room for the records that the control file counts, as far as the
+    // files can hold them: growth would copy them over and over.
+    make_room(r_.buses, counts_[0], {".L1"});
+    make_room(r_.branches, static_cast<long long>(counts_[1]) + counts_[2], {".LP2", ".LP3"});
+    make_room(r_.generators, counts_[4], {".LP5"});
+    make_room(r_.loads, counts_[5], {".LP6"});
     read_buses();
     read_case_rows();
     read_map();
@@ -142,6 +208,19 @@ class Reader {
   }
 
  private:
+  // Reserves room for n elements, at most one for every 16 bytes of the
+  // files with the given extensions (a hint only: no record is that short).
+  template <typename T>
+  void make_room(std::vector<T>& v, long long n, std::initializer_list<const char*> files) {
+    std::uintmax_t bytes = 0;
+    for (const char* ext : files) {
+      std::error_code ec;
+      const std::uintmax_t size = std::filesystem::file_size(stem_ + ext, ec);
+      if (!ec) bytes += size;
+    }
+    if (n > 0) v.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(n, bytes / 16)));
+  }
+
   void problem(const std::string& file, const std::string& what) {
     r_.problems.push_back(stem_ + file + ": " + what);
   }
@@ -266,15 +345,23 @@ class Reader {
     return true;
   }
 
+  // Lines of nine fields or more, the first three integers; a power that
+  // does not read is no number.
   void read_branches(const char* ext, bool transformer) {
     for (ReportLines f(stem_ + ext); f.next();) {
       Branch b;
       b.transformer = transformer;
-      if (f.size() < 9 || !integer(f[0], b.i) || !integer(f[1], b.j) || !integer(f[2], b.no))
-        continue;
+      bool fields = true, ends = true, powers[6];
+      for (int* n : {&b.i, &b.j, &b.no}) {
+        bool read = false;
+        fields = fields && f.take(*n, read);
+        ends = ends && read;
+      }
       double* v[] = {&b.pij, &b.qij, &b.pji, &b.qji, &b.extra_p, &b.extra_q};
+      for (std::size_t k = 0; k < 6 && fields; ++k) fields = f.take(*v[k], powers[k]);
+      if (!fields || !ends) continue;
       for (std::size_t k = 0; k < 6; ++k) {
-        if (!number(f[3 + k], *v[k])) *v[k] = std::nan("");
+        if (!powers[k]) *v[k] = std::nan("");
       }
       r_.branches.push_back(b);
     }
