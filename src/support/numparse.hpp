@@ -1,11 +1,12 @@
-// Quick conversion of the plain numbers of text files, without copies and
-// without the C library for the common short forms.
+// Quick exact conversion of the numbers of text files, in place and without
+// the C library.
 //
 // Both functions read a number at the start of [first, last) and give the
 // end of what they took, or nullptr when the text there is not of the plain
-// form or needs the full conversion; then nothing is written and the caller
-// converts the slow way.  A number they do take has exactly the value strtod
-// (std::from_chars) gives the same characters.
+// form or needs the full conversion (more than 19 digits, a power of ten
+// outside 10^-22..10^22); then nothing is written and the caller converts
+// the slow way.  A number they do take has exactly the value
+// strtod (std::from_chars) gives the same characters.
 #pragma once
 
 #include <array>

@@ -12,7 +12,9 @@ namespace lf::check {
 struct Field {
   std::string_view name;  // as in the file formats ("I", "basekv", ...)
   char kind;              // 'I' integer, 'R' real, 'T' text
-  std::size_t slot = 0;   // a text field: its place among the record's text fields, from 0
+  // A text field: its place among the text fields of a record, from 0 (set
+  // with the layout; the checker's reading stores the text there).
+  std::size_t slot = 0;
 };
 
 // Fields of one read statement at most.

@@ -28,10 +28,12 @@ struct Value {
 
 // One record as read; its fields stand in its file's arrays (FileRead).
 struct Record {
-  int32_t number = 0;     // place in the file, from 1, dropped records included
-  long line = 0;          // line of the file where it starts, from 1
-  int32_t group = 0;      // .L13: the group (substation bus) it belongs to
-  std::size_t index = 0;  // place among the records of FileRead::records, from 0
+  int32_t number = 0;  // place in the file, from 1, dropped records included
+  long line = 0;       // line of the file where it starts, from 1
+  int32_t group = 0;   // .L13: the group (substation bus) it belongs to
+  // Place among the records of its FileRead, from 0: set by the reading,
+  // used by FileRead's accessors to find the record's fields.
+  std::size_t index = 0;
 };
 
 struct FileRead {
