@@ -33,13 +33,12 @@ inline BlockStore::Sum forward_step(const double* piv, double r1, double r2,
 // Loads the entries of the column at place c on and below the diagonal into
 // side 0 of the work row and those of its row right of the diagonal into
 // side 1.  The work row already holds the pattern of the factor, which
-// covers the matrix's; the entries stand together in v, in the order of
-// f.loads.
-void load(const BlockStore& f, const BlockValues& v, int32_t c, BlockWork& w) {
+// covers the matrix's; the entries stand together in f.low (see gather).
+void load(const BlockStore& f, int32_t c, BlockWork& w) {
   const int32_t* start = f.load_start.data() + 2 * c - 1;  // side 0, side 1, end
   for (int side = 0; side < 2; ++side) {
     for (int32_t t = start[side]; t < start[side + 1]; ++t) {
-      const double* b = v.a[t + 1].v;
+      const double* b = f.low[static_cast<std::size_t>(t) + 1].v;
       w.set(side, f.loads[static_cast<std::size_t>(t)].row, b[0], b[1], b[2], b[3]);
     }
   }
@@ -48,14 +47,14 @@ void load(const BlockStore& f, const BlockValues& v, int32_t c, BlockWork& w) {
 // Copies the matrix's blocks by position into f.low in the order of
 // f.loads: one pass along the rows, which reads the matrix in the order it
 // is stored, so that the factorisation then finds each column's entries
-// side by side instead of one per row far apart.  Returns the view of them.
-BlockValues gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
-  MatrixBlock* low = f.low.data();
-  if (A.n < 1) return {low};
+// side by side instead of one per row far apart.
+void gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  if (A.n < 1) return;
+  FactorBlock* low = f.low.data();
   const int32_t* at = f.value_at.data();
   // A position that no column loads goes to the spare place 0.
-  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p) low[at[p]] = v.a[p];
-  return {low};
+  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p)
+    __builtin_memcpy(low[at[p]].v, v.a[p].v, sizeof low->v);
 }
 
 // Column i of L and row i of U in the work row, the matrix's entries
@@ -103,9 +102,7 @@ bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32
   const double* piv = w.block(0, i);
   const double pa = piv[0], pb = piv[1], pc = piv[2], pd = piv[3];
   double* l = lv[q].v;
-  double* u = uv[q].v;
   l[0] = pa, l[1] = pb, l[2] = pc, l[3] = pd;
-  u[0] = 1.0, u[1] = 0.0, u[2] = 0.0, u[3] = 1.0;
   double det = pd * pa - pc * pb;
   const bool finite = std::isfinite(det);
   if (std::fabs(det) <= kTinyPivot) det = det >= 0.0 ? kTinyPivot : -kTinyPivot;
@@ -136,7 +133,7 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
   const std::vector<int32_t>& start = f.start;
   const std::vector<Link>& above = f.above;
 
-  const BlockValues loaded = gather(A, v, f);
+  gather(A, v, f);
   BlockWork& w = f.work;
   w.fit(n);
   f.sol.resize(static_cast<std::size_t>(n) + 1);
@@ -152,7 +149,7 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(c)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(c) + 1]);
-    load(f, loaded, c, w);
+    load(f, c, w);
     BlockStore::Sum sum{0.0, 0.0};
     eliminate(iu, ju, f.lval.data(), f.uval.data(), above.data() + from, to - from,
               above.size() - from, w, y, sum);

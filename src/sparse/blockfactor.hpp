@@ -91,9 +91,9 @@ struct BlockStore {
   std::vector<int32_t> order;  // [1..n] by place: the row (bus number) worked out there
   std::vector<int32_t> iu;     // [1..n] by place: the row's pivot position; [n+1] one past the last
   std::vector<int32_t> ju;     // by position: the place of the column of U (= row of L)
-  // By position: the L block and the U block (at a pivot the pivot block
-  // and the identity, which nothing reads), in two stores of their own so
-  // that the backward solution reads U alone.
+  // By position: the L block and the U block (at a pivot the pivot block,
+  // and in U nothing that is read: its identity is implied), in two stores
+  // of their own so that the backward solution reads U alone.
   std::vector<FactorBlock> lval, uval;
   // The layouts of the elimination, made by nonsym74 and read by each
   // factorisation, both by place c of a column, in the order of the work.
@@ -111,7 +111,7 @@ struct BlockStore {
   std::vector<int32_t> value_at;
   // The matrix's blocks by place in the order of loads, copied there by
   // each factorisation.
-  std::vector<MatrixBlock> low;
+  std::vector<FactorBlock> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row: the forward and then the backward
   // solution by place, 1..n, written and read by solvxn alone.

@@ -27,29 +27,21 @@ void group_by(int32_t keys, std::vector<int32_t>& start, std::vector<Link>& out,
   start[0] = 0;
 }
 
-// Calls put(c, row, p) for each entry of the matrix on and below the
-// diagonal, column by column, as the column chains of adlink7l run
-// (ascending row).
-template <typename Put>
-void each_lower(const BlockPattern& A, Put&& put) {
-  const BlockChains& ch = *A.chains;
-  for (int32_t c = 1; c <= A.n; ++c) {
-    const int32_t first = ch.chfirst[c];
-    if (first == 0) continue;
-    int32_t p = first, row = ch.chfirstrow[c];
-    do {
-      put(c, row, p);
-      row = ch.chrow[p];
-      p = ch.chpos[p];
-    } while (p != first && p != 0);
-  }
-}
-
 // The first position right of the diagonal in row r of the matrix, the end
 // of the row when there is none.
 int32_t upper_from(const BlockPattern& A, int32_t r) {
   const int32_t up = A.chains->upfirst[r];
   return up != 0 ? up : A.ia[r + 1];
+}
+
+// Calls put(c, row, p) for each entry of the matrix on and below the
+// diagonal, row by row: the entries of the column chains of adlink7l, each
+// column's in the order its chain runs (ascending row), read in the order
+// they are stored.
+template <typename Put>
+void each_lower(const BlockPattern& A, Put&& put) {
+  for (int32_t r = 1; r <= A.n; ++r)
+    for (int32_t p = A.ia[r]; p < upper_from(A, r); ++p) put(A.ja[p], r, p);
 }
 
 // The pattern of the factors by row number: row i at positions iu[i] ..
