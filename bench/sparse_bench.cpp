@@ -149,7 +149,8 @@ void setup(const Net& net) {
 struct BlockSystem {
   int32_t n = 0, nent = 0;
   Arr<int32_t> ia, ja;
-  Arr<double> aa, ab, ac, ad, r1, r2, x1, x2;
+  Arr<MatrixBlock> a;
+  Arr<double> r1, r2, x1, x2;
   BlockChains chains;
   BlockStore factors;
 
@@ -163,21 +164,18 @@ struct BlockSystem {
     ia.grow(static_cast<std::size_t>(n) + 1);
     int32_t q = 1;
     auto put = [&](int32_t col, int32_t yp, bool diag) {
-      for (Arr<double>* a : {&aa, &ab, &ac, &ad}) a->grow(static_cast<std::size_t>(q));
+      a.grow(static_cast<std::size_t>(q));
       ja.grow(static_cast<std::size_t>(q));
       ja[q] = col;
       const double g = Y.YG[yp], b = Y.YB[yp];
-      aa[q] = -g + (diag ? 0.1 : 0.0);
-      ab[q] = b;
-      ac[q] = b;
-      ad[q] = g + (diag ? 0.2 : 0.0);
+      a[q] = {{-g + (diag ? 0.1 : 0.0), b, b, g + (diag ? 0.2 : 0.0)}};
       ++q;
     };
     for (int32_t i = 1; i <= n; ++i) {
       ia[i] = q;
       if (i == 1) {
         put(1, Y.IY[1], true);
-        aa[q - 1] = ad[q - 1] = 1.0, ab[q - 1] = ac[q - 1] = 0.0;
+        a[q - 1] = {{1.0, 0.0, 0.0, 1.0}};
         continue;
       }
       for (auto [r, yp] : lower[static_cast<std::size_t>(i)])
@@ -192,7 +190,7 @@ struct BlockSystem {
     adlink7l(ia, ja, n, chains);
   }
   BlockPattern pattern() const { return {n, ia.data(), ja.data(), &chains}; }
-  BlockValues values() const { return {aa.data(), ab.data(), ac.data(), ad.data()}; }
+  BlockValues values() const { return {a.data()}; }
   void first() { nonsym74(pattern(), values(), factors, nullptr); }
   void again() { nonsym74o(pattern(), values(), factors, nullptr); }
   // A refactorisation with the solution that goes along with it.

@@ -68,14 +68,18 @@ const uint8_t* bus_kinds(int32_t n) {
   return JKIND.data();
 }
 
+// The blocks of the Jacobian by position.
+struct Blocks {
+  Arr<MatrixBlock>& a;
+  void put(int32_t k, double xa, double xb, double xc, double xd) const {
+    a[k] = {{xa, xb, xc, xd}};
+  }
+};
+
 // The identity block of a slack row.
-inline int32_t identity_row(int32_t i, int32_t k, Arr<int32_t>& ja, Arr<double>& aa,
-                            Arr<double>& ac, Arr<double>& ab, Arr<double>& ad) {
+inline int32_t identity_row(int32_t i, int32_t k, Arr<int32_t>& ja, const Blocks& a) {
   ja[k] = i;
-  aa[k] = 1;
-  ab[k] = 0;
-  ac[k] = 0;
-  ad[k] = 1;
+  a.put(k, 1, 0, 0, 1);
   return k + 1;
 }
 
@@ -99,17 +103,15 @@ inline void load_terms(int32_t row, double e, double f, double& aa, double& ab, 
 // balance, or for a bus with V given of the voltage equation.  Returns the
 // next free place.
 int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& ir,
-                  const Arr<double>& ii, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
-                  Arr<double>& ab, Arr<double>& ad) {
+                  const Arr<double>& ii, Arr<int32_t>& ja, const Blocks& a) {
   const double e = VPQ.E[i], f = VPQ.F[i];
   const bool pq = kind[i] == kPQ;
   return walk_row(i, k, kind, [&](int32_t kk, int32_t j, double g, double b, bool diag) {
     ja[kk] = j;
     if (!diag) {
-      aa[kk] = -(e * g) - f * b;
-      ab[kk] = e * b - f * g;
-      ac[kk] = pq ? ab[kk] : 0;
-      ad[kk] = pq ? -aa[kk] : 0;
+      const double xa = -(e * g) - f * b;
+      const double xb = e * b - f * g;
+      a.put(kk, xa, xb, pq ? xb : 0, pq ? -xa : 0);
       return;
     }
     double xa = (-ir[i] - e * g) - f * b;
@@ -124,10 +126,7 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
       xc = -2 * e;
       xd = -2 * f;
     }
-    aa[kk] = xa;
-    ab[kk] = xb;
-    ac[kk] = xc;
-    ad[kk] = xd;
+    a.put(kk, xa, xb, xc, xd);
   });
 }
 
@@ -136,23 +135,24 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
 Arr<uint8_t> JKIND;
 
 void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab, Arr<double>& ad) {
+           Arr<int32_t>& ja, Arr<MatrixBlock>& a) {
   const int32_t n = NO.nnode;
   const uint8_t* kind = bus_kinds(n);
+  const Blocks blocks{a};
   int32_t k = 1;
   ia[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
-    k = kind[i] == kSlack ? identity_row(i, k, ja, aa, ac, ab, ad)
-                          : power_row(i, k, kind, ir, ii, ja, aa, ac, ab, ad);
+    k = kind[i] == kSlack ? identity_row(i, k, ja, blocks)
+                          : power_row(i, k, kind, ir, ii, ja, blocks);
     ia[i + 1] = k;
   }
 }
 
 void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
-            Arr<double>& ab, Arr<double>& ad) {
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a) {
   const int32_t n = NO.nnode;
   const uint8_t* kind = bus_kinds(n);
+  const Blocks blocks{a};
   const bool inject = NU.nud != 0 || UPCLF != 0;  // the models' extra injections
   int32_t k = 1;
   ia[1] = 1;
@@ -165,7 +165,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       const double a = (g5 != 0 ? L5.Angle[g5] : L6.Angle[l6]) * kDegToRadSingle;
       d1[i] = e - vs * std::cos(a);
       d2[i] = f - vs * std::sin(a);
-      k = identity_row(i, k, ja, aa, ac, ab, ad);
+      k = identity_row(i, k, ja, blocks);
       ia[i + 1] = k;
       continue;
     }
@@ -190,21 +190,16 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       k = walk_row(i, k, kind, [&](int32_t kk, int32_t j, double g, double b, bool diag) {
         ja[kk] = j;
         if (!diag) {
-          aa[kk] = g;
-          ab[kk] = -b;
-          ac[kk] = b;
-          ad[kk] = g;
+          blocks.put(kk, g, -b, b, g);
           return;
         }
-        aa[kk] = g - (sp - 2 * e * cr) / vsq;
-        ab[kk] = -b - (sq - 2 * f * cr) / vsq;
-        ac[kk] = (2 * e * ci + sq) / vsq + b;
-        ad[kk] = g - (sp - 2 * f * ci) / vsq;
+        blocks.put(kk, g - (sp - 2 * e * cr) / vsq, -b - (sq - 2 * f * cr) / vsq,
+                   (2 * e * ci + sq) / vsq + b, g - (sp - 2 * f * ci) / vsq);
       });
       d1[i] = ir[i] - cr;
       d2[i] = ii[i] - ci;
     } else {
-      k = power_row(i, k, kind, ir, ii, ja, aa, ac, ab, ad);
+      k = power_row(i, k, kind, ir, ii, ja, blocks);
       d1[i] = sp - d1[i];
       d2[i] = vs * vs - vsq;
     }

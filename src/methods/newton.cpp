@@ -72,7 +72,7 @@ void form_system(Form form, NewtonWork& w) {
   allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
   if (form != Form::Current) {
     power_mismatch(w);
-    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
+    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A);
     return;
   }
   // The current form keeps only PG, QG, PL, QL of the power mismatch rules;
@@ -83,7 +83,7 @@ void form_system(Form form, NewtonWork& w) {
     w.D1[i] = w.PC[i];
     w.D2[i] = w.QC[i];
   }
-  iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
+  iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.A);
 }
 
 void correction_test(Form form, int32_t& status) {

@@ -1,11 +1,12 @@
 // The Newton-type load-flow methods in rectangular coordinates and their
 // Jacobians.  The unknowns are E and F of each bus; the two equations of a bus
 // form one 2 by 2 block, so the Jacobian is a matrix of blocks held by rows
-// (IA, JA, AA, AB, AC, AD) in the ordering of the admittance matrix.
+// (IA, JA, A) in the ordering of the admittance matrix.
 #pragma once
 
 #include <cstdint>
 
+#include "sparse/blockfactor.hpp"
 #include "support/arr.hpp"
 
 namespace lf {
@@ -19,14 +20,13 @@ extern Arr<uint8_t> JKIND;
 // Power-equation Jacobian at the present E, F.  ir, ii are the bus current
 // sums left by allbpq; nent is the capacity of the matrix (2 NYENT).
 void formj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac, Arr<double>& ab, Arr<double>& ad);
+           Arr<int32_t>& ja, Arr<MatrixBlock>& a);
 
 // Current-equation Jacobian: rows with P and Q given hold the real and
 // imaginary current balance, rows with V given the power form.  d1, d2 hold PC,
 // QC on entry and the mismatches on return.
 void iformj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<double>& aa, Arr<double>& ac,
-            Arr<double>& ab, Arr<double>& ad);
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a);
 
 // The methods; status is the calculation's convergent flag (1 converged).
 void newtonp(int32_t& status);  // method 4: decoupled start, power mismatch test

@@ -22,7 +22,7 @@ NewtonWork& newton_work() {
     a->grow(n);
   w.IA.grow(n + 1);
   w.JA.grow(w.nent);
-  for (Arr<double>* a : {&w.AA, &w.AB, &w.AC, &w.AD}) a->grow(w.nent);
+  w.A.grow(w.nent);
   // The table names a bus by the first case bus whose reduced number has its
   // internal number; one that has none is shown by the bus after the last.
   const int32_t nbus = LFINF.nbus;
@@ -39,7 +39,7 @@ NewtonWork& newton_work() {
 namespace {
 
 BlockValues values_of(const NewtonWork& w) {
-  return {w.AA.data(), w.AB.data(), w.AC.data(), w.AD.data()};
+  return {w.A.data()};
 }
 
 }  // namespace

@@ -36,9 +36,9 @@ struct NewtonWork {
   Arr<double> X1, X2;          // corrections of E and F
   Arr<double> C1, C2;          // the power of the correction alone
   Arr<int32_t> IA, JA;         // the Jacobian by rows
-  Arr<double> AA, AB, AC, AD;
-  BlockChains chains;  // the column chains of the Jacobian, linked with each new pattern
-  BlockStore factors;  // its block factors, sized by the fill-in they need
+  Arr<MatrixBlock> A;          // its blocks by position
+  BlockChains chains;          // the column chains of the Jacobian, linked with each new pattern
+  BlockStore factors;          // its block factors, sized by the fill-in they need
   Arr<int32_t> FIRST;  // by internal bus: the first reduced number with that internal number
   // True when correct() has moved E, F since TH was last set: the angles
   // then follow from E, F through settle_angles, which the methods call on

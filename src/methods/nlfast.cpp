@@ -55,7 +55,7 @@ void nlfast(int32_t& status) {
       w.X1[i] = w.X2[i] = c1[i] = c2[i] = 0;
     }
     allbpq(3, n, e0, f0, w.IR, w.II, p0, q0);
-    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.AA, w.AC, w.AB, w.AD);
+    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A);
     factorise_whole(w);
     for (;;) {
       if (LFINF.ndcline != 0) dctran();

@@ -38,25 +38,23 @@ void load(const BlockStore& f, int32_t c, BlockWork& w) {
   const int32_t* start = f.load_start.data() + 2 * c - 1;  // side 0, side 1, end
   for (int side = 0; side < 2; ++side) {
     for (int32_t t = start[side]; t < start[side + 1]; ++t) {
-      const double* b = f.low[static_cast<std::size_t>(t)].v;
+      const double* b = f.low[static_cast<std::size_t>(t) + 1].v;
       w.set(side, f.loads[static_cast<std::size_t>(t)].row, b[0], b[1], b[2], b[3]);
     }
   }
 }
 
-// Copies the matrix's blocks into f.low in the order of f.loads: one pass
-// along the rows, which reads the matrix in the order it is stored, so that
-// the factorisation then finds each column's entries side by side instead of
-// one per row far apart.
+// Copies the matrix's blocks by position into f.low in the order of
+// f.loads: one pass along the rows, which reads the matrix in the order it
+// is stored, so that the factorisation then finds each column's entries
+// side by side instead of one per row far apart.
 void gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
   if (A.n < 1) return;
-  const int32_t* slot = f.load_slot.data();
-  BlockStore::Block* low = f.low.data();
-  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p) {
-    if (slot[p] < 0) continue;  // loaded by no column
-    double* b = low[slot[p]].v;
-    b[0] = v.aa[p], b[1] = v.ab[p], b[2] = v.ac[p], b[3] = v.ad[p];
-  }
+  FactorBlock* low = f.low.data();
+  const int32_t* at = f.value_at.data();
+  // A position that no column loads goes to the spare place 0.
+  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p)
+    __builtin_memcpy(low[at[p]].v, v.a[p].v, sizeof low->v);
 }
 
 // Column i of L and row i of U in the work row, the matrix's entries
@@ -66,29 +64,32 @@ void gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
 // from row i on, row i of U gets L[i][k] U[k, .] taken off right of column
 // i.  With the forward solution y of the earlier rows given, sum gets row i
 // of L times y, as solvxn sums it.
-void eliminate(const int32_t* iu, const int32_t* ju, const BlockEntry* val, const Link* above,
-               std::size_t nabove, std::size_t nknown, BlockWork& w, const BlockStore::Sum* y,
-               BlockStore::Sum& sum) {
+void eliminate(const int32_t* iu, const int32_t* ju, const FactorBlock* lv, const FactorBlock* uv,
+               const Link* above, std::size_t nabove, std::size_t nknown, BlockWork& w,
+               const BlockStore::Sum* y, BlockStore::Sum& sum) {
   // The positions lie far apart in the store: ask early for the ones that
   // come next, in this column or (nknown entries of above being there) in
   // the columns after it.
   constexpr std::size_t kAhead = 4;
-  for (std::size_t t = 0; t < std::min(kAhead, nknown); ++t) __builtin_prefetch(val + above[t].pos);
+  for (std::size_t t = 0; t < std::min(kAhead, nknown); ++t) {
+    __builtin_prefetch(lv + above[t].pos);
+    __builtin_prefetch(uv + above[t].pos);
+  }
   for (std::size_t t = 0; t < nabove; ++t) {
     if (t + kAhead < nknown) {
-      __builtin_prefetch(val + above[t + kAhead].pos);
-      __builtin_prefetch(val + above[t + kAhead].pos + 1);
+      __builtin_prefetch(lv + above[t + kAhead].pos);
+      __builtin_prefetch(uv + above[t + kAhead].pos);
       __builtin_prefetch(ju + above[t + kAhead].pos);
     }
     const int32_t k = above[t].row, p = above[t].pos;
-    const double* l = val[p].v[0];
-    const double* u = val[p].v[1];
+    const double* l = lv[p].v;
+    const double* u = uv[p].v;
     if (y) add_product(sum, l, y[k]);
     const double ualpha[4] = {-u[0], -u[1], -u[2], -u[3]};
     const double lalpha[4] = {-l[0], -l[1], -l[2], -l[3]};
     const int32_t m = iu[k + 1] - p;
-    m2axpyo(0, w, m, ju + p, val + p, ualpha);
-    m2axpyo(1, w, m - 1, ju + p + 1, val + p + 1, lalpha);
+    m2axpyo(0, w, m, ju + p, lv + p, ualpha);
+    m2axpyo(1, w, m - 1, ju + p + 1, uv + p + 1, lalpha);
   }
 }
 
@@ -96,14 +97,12 @@ void eliminate(const int32_t* iu, const int32_t* ju, const BlockEntry* val, cons
 // positions q+1 .. q+count whose columns ju already names: L as worked out,
 // U multiplied from the left by the inverse of the pivot block.  False when
 // the pivot block's determinant is not finite.
-bool store(BlockEntry* val, const int32_t* ju, int32_t i, int32_t q, int32_t count,
+bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32_t q, int32_t count,
            const BlockWork& w) {
   const double* piv = w.block(0, i);
   const double pa = piv[0], pb = piv[1], pc = piv[2], pd = piv[3];
-  double* l = val[q].v[0];
-  double* u = val[q].v[1];
+  double* l = lv[q].v;
   l[0] = pa, l[1] = pb, l[2] = pc, l[3] = pd;
-  u[0] = 1.0, u[1] = 0.0, u[2] = 0.0, u[3] = 1.0;
   double det = pd * pa - pc * pb;
   const bool finite = std::isfinite(det);
   if (std::fabs(det) <= kTinyPivot) det = det >= 0.0 ? kTinyPivot : -kTinyPivot;
@@ -111,11 +110,11 @@ bool store(BlockEntry* val, const int32_t* ju, int32_t i, int32_t q, int32_t cou
   for (int32_t s = q + 1; s <= q + count; ++s) {
     const int32_t j = ju[s];
     const double* wl = w.block(0, j);
-    double* ls = val[s].v[0];
+    double* ls = lv[s].v;
     ls[0] = wl[0], ls[1] = wl[1], ls[2] = wl[2], ls[3] = wl[3];
     const double* wu = w.block(1, j);
     const double wa = wu[0], wb = wu[1], wc = wu[2], wd = wu[3];
-    double* us = val[s].v[1];
+    double* us = uv[s].v;
     us[0] = ia * wa + ib * wc;
     us[1] = ia * wb + ib * wd;
     us[2] = ic * wa + id * wc;
@@ -152,12 +151,14 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(c) + 1]);
     load(f, c, w);
     BlockStore::Sum sum{0.0, 0.0};
-    eliminate(iu, ju, f.val.data(), above.data() + from, to - from, above.size() - from, w, y, sum);
+    eliminate(iu, ju, f.lval.data(), f.uval.data(), above.data() + from, to - from,
+              above.size() - from, w, y, sum);
     const int32_t i = f.order[static_cast<std::size_t>(c)];
-    if (!store(f.val.data(), ju, c, q, count, w) && (f.overflow_at == 0 || i < f.overflow_at))
+    if (!store(f.lval.data(), f.uval.data(), ju, c, q, count, w) &&
+        (f.overflow_at == 0 || i < f.overflow_at))
       f.overflow_at = i;
     if (y) {
-      y[c] = forward_step(f.val[static_cast<std::size_t>(q)].v[0], rhs->r1[i], rhs->r2[i], sum);
+      y[c] = forward_step(f.lval[static_cast<std::size_t>(q)].v, rhs->r1[i], rhs->r2[i], sum);
     }
   }
 }
@@ -168,11 +169,11 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
 void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
   const int32_t* piu = f.iu.data();
   const int32_t* pju = f.ju.data();
-  const BlockEntry* val = f.val.data();
+  const FactorBlock* uv = f.uval.data();
   BlockStore::Sum* y = f.sol.data();
   for (int32_t c = f.n; c >= 1; --c) {
     BlockStore::Sum sum{0.0, 0.0};
-    for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, val[s].v[1], y[pju[s]]);
+    for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s].v, y[pju[s]]);
     y[c].s1 -= sum.s1;
     y[c].s2 -= sum.s2;
     const int32_t i = f.order[static_cast<std::size_t>(c)];
@@ -252,7 +253,7 @@ void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<dou
             Arr<double>& x2) {
   const int32_t* start = f.start.data();
   const Link* above = f.above.data();
-  const BlockEntry* val = f.val.data();
+  const FactorBlock* lv = f.lval.data();
   f.sol.resize(static_cast<std::size_t>(f.n) + 1);
   BlockStore::Sum* y = f.sol.data();
   // Forward, place by place: row i of L is the entries of column i in
@@ -261,9 +262,9 @@ void solvxn(BlockStore& f, const Arr<double>& r1, const Arr<double>& r2, Arr<dou
   for (int32_t c = 1; c <= f.n; ++c) {
     BlockStore::Sum sum{0.0, 0.0};
     for (int32_t t = start[c]; t < start[c + 1]; ++t)
-      add_product(sum, val[above[t].pos].v[0], y[above[t].row]);
+      add_product(sum, lv[above[t].pos].v, y[above[t].row]);
     const int32_t i = f.order[static_cast<std::size_t>(c)];
-    y[c] = forward_step(val[f.iu[static_cast<std::size_t>(c)]].v[0], r1[i], r2[i], sum);
+    y[c] = forward_step(lv[f.iu[static_cast<std::size_t>(c)]].v, r1[i], r2[i], sum);
   }
   backward(f, x1, x2);
 }

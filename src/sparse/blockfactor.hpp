@@ -63,9 +63,14 @@ struct BlockPattern {
   const BlockChains* chains = nullptr;
 };
 
-// A view of the matrix's blocks [aa ab; ac ad], by position.
+// One 2 x 2 block [a b; c d] of a matrix, as {a, b, c, d}.
+struct MatrixBlock {
+  double v[4];
+};
+
+// A view of the matrix's blocks, by position.
 struct BlockValues {
-  const double *aa = nullptr, *ab = nullptr, *ac = nullptr, *ad = nullptr;
+  const MatrixBlock* a = nullptr;
 };
 
 // An entry of a layout: a row or column (its number or its place, as the
@@ -86,7 +91,10 @@ struct BlockStore {
   std::vector<int32_t> order;  // [1..n] by place: the row (bus number) worked out there
   std::vector<int32_t> iu;     // [1..n] by place: the row's pivot position; [n+1] one past the last
   std::vector<int32_t> ju;     // by position: the place of the column of U (= row of L)
-  std::vector<BlockEntry> val;  // by position: the L block and the U block
+  // By position: the L block and the U block (at a pivot the pivot block,
+  // and in U nothing that is read: its identity is implied), in two stores
+  // of their own so that the backward solution reads U alone.
+  std::vector<FactorBlock> lval, uval;
   // The layouts of the elimination, made by nonsym74 and read by each
   // factorisation, both by place c of a column, in the order of the work.
   // above[start[c] ..]: the entries of U in column c (the place of their row
@@ -97,13 +105,14 @@ struct BlockStore {
   // of its row (below) or column (right) and its position in the matrix.
   std::vector<int32_t> start, load_start;
   std::vector<Link> above, loads;
-  std::vector<int32_t> load_slot;  // by matrix position: its place in loads, -1 for none
-  // One block [a b; c d] of the matrix.
-  struct Block {
-    double v[4];
-  };
-  std::vector<Block> low;  // by place in loads: the matrix's block, copied by each factorisation
-  BlockWork work{0};       // the dense work row of the factorisations, by place
+  // By matrix position: the place 1.. of its block in the order of loads
+  // (the entry loads[t] has place t+1), 0 for a position that no column
+  // loads.  Made by nonsym74, read by each factorisation.
+  std::vector<int32_t> value_at;
+  // The matrix's blocks by place in the order of loads, copied there by
+  // each factorisation.
+  std::vector<FactorBlock> low;
+  BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row: the forward and then the backward
   // solution by place, 1..n, written and read by solvxn alone.
   struct Sum {

@@ -27,29 +27,21 @@ void group_by(int32_t keys, std::vector<int32_t>& start, std::vector<Link>& out,
   start[0] = 0;
 }
 
-// Calls put(c, row, p) for each entry of the matrix on and below the
-// diagonal, column by column, as the column chains of adlink7l run
-// (ascending row).
-template <typename Put>
-void each_lower(const BlockPattern& A, Put&& put) {
-  const BlockChains& ch = *A.chains;
-  for (int32_t c = 1; c <= A.n; ++c) {
-    const int32_t first = ch.chfirst[c];
-    if (first == 0) continue;
-    int32_t p = first, row = ch.chfirstrow[c];
-    do {
-      put(c, row, p);
-      row = ch.chrow[p];
-      p = ch.chpos[p];
-    } while (p != first && p != 0);
-  }
-}
-
 // The first position right of the diagonal in row r of the matrix, the end
 // of the row when there is none.
 int32_t upper_from(const BlockPattern& A, int32_t r) {
   const int32_t up = A.chains->upfirst[r];
   return up != 0 ? up : A.ia[r + 1];
+}
+
+// Calls put(c, row, p) for each entry of the matrix on and below the
+// diagonal, row by row: the entries of the column chains of adlink7l, each
+// column's in the order its chain runs (ascending row), read in the order
+// they are stored.
+template <typename Put>
+void each_lower(const BlockPattern& A, Put&& put) {
+  for (int32_t r = 1; r <= A.n; ++r)
+    for (int32_t p = A.ia[r]; p < upper_from(A, r); ++p) put(A.ja[p], r, p);
 }
 
 // The pattern of the factors by row number: row i at positions iu[i] ..
@@ -159,7 +151,8 @@ void place_rows(const RowPattern& p, const std::vector<int32_t>& place, BlockSto
           place[static_cast<std::size_t>(p.ju[static_cast<std::size_t>(s)])];
   }
   f.iu[static_cast<std::size_t>(n) + 1] = q;
-  f.val.resize(p.ju.size());
+  f.lval.resize(p.ju.size());
+  f.uval.resize(p.ju.size());
 }
 
 // Lays out the entries of U by the place of their column, each column's by
@@ -179,7 +172,7 @@ void lay_out_above(const std::vector<int32_t>& place, BlockStore& f) {
 // Lays out the matrix's entries that each column's step loads, by the place
 // of the column: first those on and below the diagonal of the column as its
 // chain runs, then those right of the diagonal of its row; with the place of
-// each in load_slot and room for their blocks in low.
+// each in value_at and room for their blocks in low.
 void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, BlockStore& f) {
   const auto at = [&](int32_t i) { return place[static_cast<std::size_t>(i)]; };
   group_by(2 * A.n, f.load_start, f.loads, [&](auto&& put) {
@@ -187,10 +180,10 @@ void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, Blo
     for (int32_t r = 1; r <= A.n; ++r)
       for (int32_t p = upper_from(A, r); p < A.ia[r + 1]; ++p) put(2 * at(r), at(A.ja[p]), p);
   });
-  f.load_slot.assign(A.n > 0 ? static_cast<std::size_t>(A.ia[A.n + 1]) : 1, -1);
+  f.value_at.assign(A.n > 0 ? static_cast<std::size_t>(A.ia[A.n + 1]) : 1, 0);
   for (std::size_t t = 0; t < f.loads.size(); ++t)
-    f.load_slot[static_cast<std::size_t>(f.loads[t].pos)] = static_cast<int32_t>(t);
-  f.low.resize(f.loads.size());
+    f.value_at[static_cast<std::size_t>(f.loads[t].pos)] = static_cast<int32_t>(t) + 1;
+  f.low.resize(f.loads.size() + 1);
 }
 
 }  // namespace

@@ -11,10 +11,10 @@
 
 namespace lf {
 
-// The L and U blocks that share one position of the factor stores, side by
-// side in one cache line while the factorisation runs.
-struct alignas(64) BlockEntry {
-  double v[2][4];  // [0] the L block, [1] the U block, each a, b, c, d
+// One block of L or U in the factor store, a, b, c, d, on a 32-byte
+// boundary so that it never straddles two cache lines.
+struct alignas(32) FactorBlock {
+  double v[4];
 };
 
 struct BlockWork {
@@ -66,7 +66,7 @@ inline void put_pair(double* v, Pair p) {
 // all of whose indices the side's pattern holds already, since the pattern of
 // column i holds the fill of each earlier column that meets it.
 template <int Side>
-inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const BlockEntry* x,
+inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const FactorBlock* x,
                          const double alpha[4]) {
   const double aa = alpha[0], ab = alpha[1], ac = alpha[2], ad = alpha[3];
   // Side 0: row r of x alpha is x[r][0] (aa, ab) + x[r][1] (ac, ad).
@@ -77,7 +77,7 @@ inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const Block
   for (int32_t t = 0; t < m; ++t) {
     const int32_t j = xj[t];
     double* v = cell[j].v[Side];
-    const double* xv = x[t].v[Side];
+    const double* xv = x[t].v;
     if constexpr (Side == 0) {
       const Pair pa = {xv[0], xv[0]}, pb = {xv[1], xv[1]}, pc = {xv[2], xv[2]}, pd = {xv[3], xv[3]};
       put_pair(v, pair_at(v) + (pa * top + pb * bottom));
@@ -91,11 +91,11 @@ inline void block_update(BlockWork& w, int32_t m, const int32_t* xj, const Block
 }
 
 // Block row update of one side of the work row over the m entries
-// xj[0..m-1] with the blocks of the same side of x[0..m-1]; alpha is {a, b,
+// xj[0..m-1] with the blocks x[0..m-1] of L (side 0) or U (side 1); alpha is {a, b,
 // c, d}.  Side 0 adds x alpha (a column of L), side 1 adds alpha x (a row of
 // U).  It adds no index: the pattern is the one that the factors were laid
 // out on.
-inline void m2axpyo(int side, BlockWork& w, int32_t m, const int32_t* xj, const BlockEntry* x,
+inline void m2axpyo(int side, BlockWork& w, int32_t m, const int32_t* xj, const FactorBlock* x,
                     const double alpha[4]) {
   if (side == 0) {
     block_update<0>(w, m, xj, x, alpha);

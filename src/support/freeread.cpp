@@ -36,11 +36,13 @@ bool FreeReader::next_line(std::string_view& out) {
     eof_ = true;
     return false;
   }
-  std::size_t end = data_.find('\n', pos_);
-  if (end == std::string::npos) end = data_.size();
-  out = std::string_view(data_).substr(pos_, end - pos_);
-  pos_ = end + 1;
-  if (!out.empty() && out.back() == '\r') out.remove_suffix(1);
+  const char* first = data_.data() + pos_;
+  const auto left = data_.size() - pos_;
+  const auto* newline = static_cast<const char*>(std::memchr(first, '\n', left));
+  std::size_t n = newline != nullptr ? static_cast<std::size_t>(newline - first) : left;
+  pos_ += n + 1;
+  if (n != 0 && first[n - 1] == '\r') --n;
+  out = std::string_view(first, n);
   ++lineno_;
   return true;
 }
@@ -87,7 +89,8 @@ bool to_int(std::string_view t, int32_t& out) {
   return true;
 }
 
-// A number that the quick conversion did not take.
+// A real value the full way: one that is not plain (repeated, or beyond the
+// quick conversion).
 bool to_real(std::string_view t, double& out) {
   if (t.empty()) return false;
   // Only digits, signs, a point and an exponent letter make a number; the
@@ -108,8 +111,8 @@ bool to_real(std::string_view t, double& out) {
   }
   // A whole token that gives a normal number converts the same, correctly
   // rounded, either way, and so does one whose digits before the exponent
-  // are all zero; tiny and huge values (range errors) and anything the quick
-  // conversion does not take are left to strtod.
+  // are all zero; tiny and huge values (range errors) and anything from_chars
+  // does not take are left to strtod.
   const char* first = t.data();
   const char* last = first + t.size();
   if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
@@ -151,13 +154,20 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
 }
 
 // Takes the plain value at p (not blank) into its item: a number that
-// converts quickly, or a text without quote or star, either up to a
-// separator or the line's end.  Gives the end of the value, or nullptr when
-// the value is not of that kind and the item is left alone.
+// converts quickly, or a text without quote or star that does not start with
+// a slash or comma, either up to a separator or the line's end.  Gives the end of the value, or
+// nullptr when the value is not of that kind and the item is left alone.
 const char* plain(const ReadItem& it, const char* p, const char* last) {
   const auto ends = [&](const char* q) { return q == last || ends_value(*q); };
+  // One digit alone, most numbers of a case, needs no conversion.
+  const unsigned digit = static_cast<unsigned char>(*p) - unsigned{'0'};
+  const bool one_digit = digit <= 9 && ends(p + 1);
   switch (it.kind) {
     case ReadItem::Kind::Int: {
+      if (one_digit) {
+        *static_cast<int32_t*>(it.p) = static_cast<int32_t>(digit);
+        return p + 1;
+      }
       int32_t v = 0;
       const char* q = quick_int(p, last, v);
       if (q == nullptr || !ends(q)) return nullptr;
@@ -165,6 +175,10 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
       return q;
     }
     case ReadItem::Kind::Real: {
+      if (one_digit) {
+        *static_cast<double*>(it.p) = digit;
+        return p + 1;
+      }
       // A number of many digits converts in the C++ library's correctly
       // rounded way when the value is a normal one.
       double v = 0;
@@ -180,7 +194,7 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
     }
     case ReadItem::Kind::Chars:
     case ReadItem::Kind::String: {
-      if (*p == '\'' || *p == '"' || *p == ',') return nullptr;
+      if (*p == '\'' || *p == '"' || *p == ',' || *p == '/') return nullptr;
       const char* q = p;
       for (; q != last && !ends_value(*q); ++q)
         if (*q == '*') return nullptr;
@@ -218,6 +232,10 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   // line, and the blanks behind the comma, so that the next value starts
   // at p unless the line has ended.
   const auto skip_separator = [&] {
+    if (end - p > 1 && *p == ' ' && !ends_value(p[1])) {  // one blank, the common case
+      ++p;
+      return;
+    }
     while (p != end && is_blank(*p)) ++p;
     if (p != end && *p == ',') {
       ++p;
@@ -233,16 +251,16 @@ bool FreeReader::read(std::span<const ReadItem> items) {
     ++item_;
     if (repeat == 0) {
       if ((p == end || is_blank(*p)) && !skip_blanks()) return false;
-      if (*p == '/') return true;
       // A plain value, the common case, taken in one scan: a number
       // converted as its end is found, or a text up to the next separator.
-      // A quote, a null, a star or a number that needs the full conversion
-      // leaves it to the rules below.
+      // A slash, a quote, a null, a star or a number that needs the full
+      // conversion leaves it to the rules below.
       if (const char* after = plain(it, p, end)) {
         p = after;
         skip_separator();
         continue;
       }
+      if (*p == '/') return true;
       quoted = false;
       null = false;
       repeat = 1;

@@ -8,6 +8,8 @@
 // (std::from_chars) gives the same characters.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -38,13 +40,53 @@ inline const char* digits_into(const char* p, const char* last, uint64_t& w) {
   return p;
 }
 
+// 5^k for k up to kMostPow10, exact in 64 bits.
+inline constexpr auto kPow5 = [] {
+  std::array<uint64_t, kMostPow10 + 1> p{};
+  p[0] = 1;
+  for (std::size_t k = 1; k < p.size(); ++k) p[k] = 5 * p[k - 1];
+  return p;
+}();
+
+// w * 10^scale correctly rounded (to nearest, ties to even) for w above 2^53
+// and scale within -22..22, by exact integer arithmetic: 10^scale is
+// 5^scale * 2^scale, and w * 5^scale, or w * 2^64 / 5^-scale with a note of
+// any remainder, holds in 128 bits with more than 53 significant ones.
+inline double long_decimal(uint64_t w, int scale) {
+  __extension__ typedef unsigned __int128 Wide;
+  Wide x = w;
+  int exp2 = scale;     // x * 2^exp2 is the value, but for the remainder
+  bool sticky = false;  // a remainder below x's last bit
+  if (scale >= 0) {
+    x *= kPow5[scale];
+  } else {
+    const uint64_t d = kPow5[-scale];
+    sticky = (x << 64) % d != 0;
+    x = (x << 64) / d;
+    exp2 -= 64;
+  }
+  const auto high = static_cast<uint64_t>(x >> 64);
+  const int bits =
+      high != 0 ? 128 - std::countl_zero(high) : 64 - std::countl_zero(static_cast<uint64_t>(x));
+  const int shift = bits - 53;  // above 0: x exceeds 2^53
+  auto m = static_cast<uint64_t>(x >> shift);
+  const Wide rest = x & ((Wide{1} << shift) - 1), half = Wide{1} << (shift - 1);
+  if (rest > half || (rest == half && (sticky || (m & 1) != 0))) ++m;
+  // m * 2^(exp2 + shift), a normal number: m's top bit is the implicit one,
+  // and a carry of the rounding into bit 53 moves on into the exponent.
+  constexpr int kBias = 1023 + 52;  // the exponent's bias, and m's 52 bits below the point
+  const auto biased = static_cast<uint64_t>(exp2 + shift + kBias);
+  return std::bit_cast<double>((biased << 52) + m - (uint64_t{1} << 52));
+}
+
 }  // namespace numparse
 
 // An optional sign, digits with at most one point among them (at least one
 // digit), and optionally an exponent letter, an optional sign and digits.
-// Taken when its digits, at most 19, form an integer of at most 2^53 and its
-// power of ten is within 10^-22..10^22: one exact operation on two exact
-// doubles, so correctly rounded.  A zero is taken with any short exponent.
+// Taken when it has at most 19 digits and its power of ten is within
+// 10^-22..10^22, correctly rounded: digits that form an integer of at most
+// 2^53 by one exact operation on two exact doubles, more by exact integer
+// arithmetic.  A zero is taken with any short exponent.
 inline const char* quick_real(const char* p, const char* last, double& value,
                               Exponents exponents = Exponents::E) {
   const bool negative = p != last && *p == '-';
@@ -60,7 +102,7 @@ inline const char* quick_real(const char* p, const char* last, double& value,
     digits += p - fraction;
     scale = fraction - p;
   }
-  if (digits == 0 || digits > numparse::kMostDigits || w > numparse::kExact) return nullptr;
+  if (digits == 0 || digits > numparse::kMostDigits) return nullptr;
   if (p != last &&
       (*p == 'e' || *p == 'E' || (exponents == Exponents::EorD && (*p == 'd' || *p == 'D')))) {
     ++p;
@@ -75,8 +117,11 @@ inline const char* quick_real(const char* p, const char* last, double& value,
   double x = 0;
   if (w != 0) {
     if (scale < -numparse::kMostPow10 || scale > numparse::kMostPow10) return nullptr;
-    x = scale < 0 ? static_cast<double>(w) / numparse::kPow10[-scale]
-                  : static_cast<double>(w) * numparse::kPow10[scale];
+    if (w > numparse::kExact)
+      x = numparse::long_decimal(w, static_cast<int>(scale));
+    else
+      x = scale < 0 ? static_cast<double>(w) / numparse::kPow10[-scale]
+                    : static_cast<double>(w) * numparse::kPow10[scale];
   }
   value = negative ? -x : x;
   return p;

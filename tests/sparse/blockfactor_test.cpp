@@ -15,7 +15,7 @@ namespace {
 struct BlockMatrix {
   int32_t n = 0, nent = 0;
   Arr<int32_t> ia, ja;
-  Arr<double> aa, ab, ac, ad;
+  Arr<MatrixBlock> a;
 };
 
 BlockMatrix block_matrix(const std::vector<std::set<int>>& adj, int slack, std::mt19937& rng) {
@@ -31,17 +31,18 @@ BlockMatrix block_matrix(const std::vector<std::set<int>>& adj, int slack, std::
       for (int c : adj[i])
         if (c != slack) cols.insert(c);
     for (int c : cols) {
-      for (Arr<double>* a : {&m.aa, &m.ab, &m.ac, &m.ad}) a->grow(q);
+      m.a.grow(q);
       m.ja.grow(q);
       m.ja[q] = c;
       const bool diag = c == i;
       if (i == slack) {
-        m.aa[q] = 1.0, m.ab[q] = 0.0, m.ac[q] = 0.0, m.ad[q] = 1.0;
+        m.a[q] = {{1.0, 0.0, 0.0, 1.0}};
       } else {
-        m.aa[q] = u(rng) + (diag ? 6.0 : 0.0);
-        m.ab[q] = u(rng);
-        m.ac[q] = u(rng);
-        m.ad[q] = u(rng) + (diag ? -6.0 : 0.0);
+        double* b = m.a[q].v;
+        b[0] = u(rng) + (diag ? 6.0 : 0.0);
+        b[1] = u(rng);
+        b[2] = u(rng);
+        b[3] = u(rng) + (diag ? -6.0 : 0.0);
       }
       ++q;
     }
@@ -52,7 +53,7 @@ BlockMatrix block_matrix(const std::vector<std::set<int>>& adj, int slack, std::
 }
 
 BlockValues values(const BlockMatrix& m) {
-  return {m.aa.data(), m.ab.data(), m.ac.data(), m.ad.data()};
+  return {m.a.data()};
 }
 
 void first_factors(const BlockMatrix& m, BlockChains& ch, BlockStore& f) {
@@ -72,8 +73,9 @@ void expect_solves(const BlockMatrix& m, BlockStore& f, std::mt19937& rng, int s
   for (int32_t i = 1; i <= n; ++i)
     for (int32_t p = m.ia[i]; p < m.ia[i + 1]; ++p) {
       const int r = 2 * i - 2, c = 2 * m.ja[p] - 2;
-      dense[r][c] = m.aa[p], dense[r][c + 1] = m.ab[p];
-      dense[r + 1][c] = m.ac[p], dense[r + 1][c + 1] = m.ad[p];
+      const double* b = m.a[p].v;
+      dense[r][c] = b[0], dense[r][c + 1] = b[1];
+      dense[r + 1][c] = b[2], dense[r + 1][c + 1] = b[3];
     }
   Arr<double> r1(n), r2(n), x1(n), x2(n);
   std::vector<double> rhs(2 * n);
@@ -109,15 +111,15 @@ TEST(BlockFactors, RandomSystemsMatchDenseSolveAndRefactorisation) {
     again(m, ch, g);
     const int32_t used = f.iu[static_cast<std::size_t>(m.n) + 1] - 1;
     for (int32_t p = 1; p <= used; ++p)
-      for (int side = 0; side < 2; ++side)
-        for (int k = 0; k < 4; ++k) ASSERT_EQ(g.val[p].v[side][k], f.val[p].v[side][k]);
+      for (int k = 0; k < 4; ++k)
+        ASSERT_TRUE(g.lval[p].v[k] == f.lval[p].v[k] && g.uval[p].v[k] == f.uval[p].v[k]);
     // New values on the same pattern.
     std::uniform_real_distribution<double> u(0.5, 1.5);
     for (int32_t i = 1; i <= m.n; ++i) {
       if (i == slack) continue;
       for (int32_t p = m.ia[i]; p < m.ia[i + 1]; ++p) {
-        m.ab[p] *= u(rng);
-        m.ac[p] *= u(rng);
+        m.a[p].v[1] *= u(rng);
+        m.a[p].v[2] *= u(rng);
       }
     }
     Arr<double> r1(m.n), r2(m.n), x1(m.n), x2(m.n), y1(m.n), y2(m.n);
@@ -144,13 +146,12 @@ TEST(BlockFactors, SingularPivotBlockTakesTheSmallestDeterminant) {
   BlockMatrix m = block_matrix(adj, 0, rng);
   // Row 1: diag [1 2; 2 4], off [1 0; 0 1]; row 2: off [0 0; 0 0], diag [3 0; 0 3].
   const double v[4][4] = {{1, 2, 2, 4}, {1, 0, 0, 1}, {0, 0, 0, 0}, {3, 0, 0, 3}};
-  for (int32_t p = 1; p <= 4; ++p)
-    m.aa[p] = v[p - 1][0], m.ab[p] = v[p - 1][1], m.ac[p] = v[p - 1][2], m.ad[p] = v[p - 1][3];
+  for (int32_t p = 1; p <= 4; ++p) m.a[p] = {{v[p - 1][0], v[p - 1][1], v[p - 1][2], v[p - 1][3]}};
   BlockChains ch;
   BlockStore f;
   first_factors(m, ch, f);
   // U of row 1 = inverse of the pivot, with determinant 1e-20, times the identity.
-  const double* u = f.val[static_cast<std::size_t>(f.iu[1]) + 1].v[1];
+  const double* u = f.uval[static_cast<std::size_t>(f.iu[1]) + 1].v;
   EXPECT_DOUBLE_EQ(u[0], 4 / 1e-20);
   EXPECT_DOUBLE_EQ(u[1], -2 / 1e-20);
   EXPECT_DOUBLE_EQ(u[2], -2 / 1e-20);
