@@ -23,8 +23,8 @@ namespace lf {
 // only when first written; small ones come from calloc.  The arrays below keep the spare room
 // behind their last element zero.
 namespace detail {
-constexpr std::size_t kMapFrom = std::size_t{1}
-                                 << 14;  // bytes from which a block is cut from the mappings
+// Bytes from which a block is cut from the mappings.
+constexpr std::size_t kMapFrom = std::size_t{1} << 14;
 void* zeroed_block(std::size_t bytes);
 void free_block(void* p, std::size_t bytes);
 }  // namespace detail
