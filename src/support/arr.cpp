@@ -13,9 +13,12 @@ namespace lf::detail {
 namespace {
 
 // Under the address checker every block comes from calloc, so that the
-// checker watches the bounds of large arrays too.
+// checker watches the bounds of large arrays too (g++ and clang++ tell of
+// the checker each in its own way).
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kPool = false;
+#elif defined(__has_feature)
+constexpr bool kPool = !__has_feature(address_sanitizer);
 #else
 constexpr bool kPool = true;
 #endif
