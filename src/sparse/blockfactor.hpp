@@ -37,6 +37,7 @@
 #include <vector>
 
 #include "sparse/blockwork.hpp"
+#include "sparse/hugepages.hpp"
 #include "support/arr.hpp"
 
 namespace lf {
@@ -94,7 +95,7 @@ struct BlockStore {
   // By position: the L block and the U block (at a pivot the pivot block,
   // and in U nothing that is read: its identity is implied), in two stores
   // of their own so that the backward solution reads U alone.
-  std::vector<FactorBlock> lval, uval;
+  std::vector<FactorBlock, HugePageAlloc<FactorBlock>> lval, uval;
   // The layouts of the elimination, made by nonsym74 and read by each
   // factorisation, both by place c of a column, in the order of the work.
   // above[start[c] ..]: the entries of U in column c (the place of their row
@@ -111,7 +112,7 @@ struct BlockStore {
   std::vector<int32_t> value_at;
   // The matrix's blocks by place in the order of loads, copied there by
   // each factorisation.
-  std::vector<FactorBlock> low;
+  std::vector<FactorBlock, HugePageAlloc<FactorBlock>> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row: the forward and then the backward
   // solution by place, 1..n, written and read by solvxn alone.

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "sparse/hugepages.hpp"
+
 namespace lf {
 
 // One block of L or U in the factor store, a, b, c, d, on a 32-byte
@@ -22,7 +24,7 @@ struct BlockWork {
   struct alignas(64) Cell {
     double v[2][4];  // [side][a, b, c, d]
   };
-  std::vector<Cell> cell;  // by index 1..n
+  std::vector<Cell, HugePageAlloc<Cell>> cell;  // by index 1..n
 
   explicit BlockWork(int32_t n) : cell(static_cast<std::size_t>(n > 0 ? n : 0) + 1) {}
 
