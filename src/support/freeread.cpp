@@ -81,6 +81,12 @@ bool is_digit(char c) {
   return c >= '0' && c <= '9';
 }
 
+// Where the library's conversion starts: past a leading plus sign, which it
+// does not take, unless another sign follows (that is no number).
+const char* past_plus(const char* first, const char* last) {
+  return first + (*first == '+' && first + 1 != last && first[1] != '+' && first[1] != '-');
+}
+
 bool to_int(std::string_view t, int32_t& out) {
   const char* last = t.data() + t.size();
   int32_t v = 0;
@@ -113,9 +119,8 @@ bool to_real(std::string_view t, double& out) {
   // rounded, either way, and so does one whose digits before the exponent
   // are all zero; tiny and huge values (range errors) and anything from_chars
   // does not take are left to strtod.
-  const char* first = t.data();
-  const char* last = first + t.size();
-  if (*first == '+' && t.size() > 1 && first[1] != '+' && first[1] != '-') ++first;
+  const char* last = t.data() + t.size();
+  const char* first = past_plus(t.data(), last);
   double v = 0;
   const auto quick = std::from_chars(first, last, v);
   if (quick.ec == std::errc() && quick.ptr == last &&
@@ -184,8 +189,7 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
       double v = 0;
       const char* q = quick_real(p, last, v, Exponents::EorD);
       if (q == nullptr) {
-        const char* first = p + (*p == '+' && p + 1 != last && p[1] != '+' && p[1] != '-');
-        const auto [ptr, ec] = std::from_chars(first, last, v);
+        const auto [ptr, ec] = std::from_chars(past_plus(p, last), last, v);
         q = ec == std::errc() && std::isnormal(v) ? ptr : nullptr;
       }
       if (q == nullptr || !ends(q)) return nullptr;
