@@ -24,8 +24,18 @@ std::string library_stem() {
 
 }  // namespace
 
-int precheck(const std::string& name, bool alone) {
-  const std::vector<std::string> warnings = lf::check::check_case(name, library_stem());
+int precheck(const std::string& name, bool alone, std::vector<lfres::BusRecord>& buses) {
+  lf::check::Family read;
+  const std::vector<std::string> warnings = lf::check::check_case(name, library_stem(), read);
+  const lf::check::FileRead& l1 = read.l1;
+  const lf::check::Layout& l = *l1.layout;
+  const std::size_t busname = l.slot("busname"), kv = l.at("basekv"), area = l.at("busarea"),
+                    vmax = l.at("vmax_kv"), vmin = l.at("vmin_kv");
+  buses.clear();
+  buses.reserve(l1.records.size());
+  for (const lf::check::Record& r : l1.records)
+    buses.push_back({l1.texts[r.index * l.texts + busname], l1.value(r, kv).r, l1.value(r, area).i,
+                     l1.value(r, vmax).r, l1.value(r, vmin).r});
   for (const std::string& w : warnings) std::fprintf(stderr, "lfrun: check: %s\n", w.c_str());
   if (alone)
     std::fprintf(stderr, "lfrun: check: %s: %zu warning(s)\n", name.c_str(), warnings.size());

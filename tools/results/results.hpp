@@ -94,9 +94,22 @@ struct CaseResults {
   int shown_number(int number) const;
 };
 
+// One record of the bus file as read, the fields the bus table is made of.
+struct BusRecord {
+  std::string name;    // bus name as read (blank padded when it was)
+  double base_kv = 0;  // base voltage, kV
+  int area = 0;        // area number
+  double vmax_kv = 0;  // upper voltage limit, kV (none at or below 0)
+  double vmin_kv = 0;  // lower voltage limit, kV
+};
+
 // Reads the case files and the report files of CASE_STEM.  Returns false,
 // with the reason in problems, when the case or its bus report is missing.
-bool read_file_results(const std::string& stem, CaseResults& r);
+// A caller that has read the bus file already (the same way: the case
+// files' free-form reading up to its end or first unreadable record) hands
+// in its records as bus_file, and that file is not read again.
+bool read_file_results(const std::string& stem, CaseResults& r,
+                       const std::vector<BusRecord>* bus_file = nullptr);
 
 // Reads the solved state from the tables of the database file db; name is
 // the case's name for the summary.
