@@ -17,6 +17,6 @@ void start_calculation(const std::string& case_name, bool nonlinear);
 void keep_line(const char* line);
 // Ends a calculation: notes its time in the run log and, when asked,
 // prints the summary built from the files (or the database) of the case;
-// bus_file, when given, holds the records of the bus file as read before.
+// bus_names, when given, holds the names of the bus file as read before.
 void finish_calculation(const std::string& case_name, const std::string& db, bool converged,
-                        bool print_summary, const std::vector<lfres::BusRecord>* bus_file);
+                        bool print_summary, const lfres::BusNames* bus_names);

@@ -195,9 +195,9 @@ int main(int argc, char** argv) {
   Options o;
   if (int status = parse(argc, argv, o); status >= 0) return status;
   if (int status = enter_case(o); status >= 0) return status;
-  // The bus file as the check read it: the summaries take the bus names
-  // from it rather than read the file again.
-  std::vector<lfres::BusRecord> buses;
+  // The bus names as the check read them: the summaries take them from
+  // here rather than read the bus file again.
+  lfres::BusNames buses;
   const bool checked = o.db.empty() && (o.check || o.check_only);
   if (checked) {
     const int warnings = precheck(fs::path(o.stem).filename().string(), o.check_only, buses);

@@ -216,8 +216,8 @@ class ReportLines {
 
 class Reader {
  public:
-  Reader(const std::string& stem, CaseResults& r, const std::vector<BusRecord>* bus_file)
-      : stem_(stem), r_(r), bus_file_(bus_file) {}
+  Reader(const std::string& stem, CaseResults& r, const BusNames* bus_names)
+      : stem_(stem), r_(r), bus_names_(bus_names) {}
 
   bool run() {
     if (!read_control()) return false;
@@ -270,32 +270,31 @@ class Reader {
   }
 
   void read_buses() {
-    if (bus_file_) {
-      for (const BusRecord& record : *bus_file_) add_bus(record);
+    if (bus_names_) {
+      for (std::size_t k = 0; k < bus_names_->size(); ++k) {
+        Bus& b = r_.buses.emplace_back();
+        b.number = static_cast<int>(k) + 1;
+        const std::string_view name = (*bus_names_)[k];
+        b.name.assign(name.substr(0, name.find_last_not_of(' ') + 1));
+      }
       return;
     }
     lf::FreeReader in;
     if (!in.open(stem_ + ".L1")) return;
-    for (BusRecord record;
-         in(record.name, record.base_kv, record.area, record.vmax_kv, record.vmin_kv);
-         record = BusRecord{})
-      add_bus(record);
-  }
-
-  // The next bus of the case from its record: the name without trailing
-  // blanks, the limits in per unit (the case's defaults where it has none).
-  void add_bus(const BusRecord& record) {
-    Bus& b = r_.buses.emplace_back();
-    b.number = static_cast<int>(r_.buses.size());
-    b.name.assign(record.name, 0, record.name.find_last_not_of(' ') + 1);
-    b.base_kv = record.base_kv;
-    b.area = record.area;
-    const bool base = b.base_kv > kNoBaseKv;
-    b.vmax = base ? record.vmax_kv / b.base_kv : vmax_;
-    b.vmin = base ? record.vmin_kv / b.base_kv : vmin_;
-    if (b.vmax <= kNoLimit) b.vmax = vmax_;
-    if (b.vmin <= kNoLimit) b.vmin = vmin_;
-    if (b.vmax < b.vmin) b.vmax = vmax_, b.vmin = vmin_;
+    for (;;) {
+      Bus b;
+      double vmax_kv = 0, vmin_kv = 0;
+      if (!in(b.name, b.base_kv, b.area, vmax_kv, vmin_kv)) break;
+      b.number = static_cast<int>(r_.buses.size()) + 1;
+      b.name.erase(b.name.find_last_not_of(' ') + 1);
+      const bool base = b.base_kv > kNoBaseKv;
+      b.vmax = base ? vmax_kv / b.base_kv : vmax_;
+      b.vmin = base ? vmin_kv / b.base_kv : vmin_;
+      if (b.vmax <= kNoLimit) b.vmax = vmax_;
+      if (b.vmin <= kNoLimit) b.vmin = vmin_;
+      if (b.vmax < b.vmin) b.vmax = vmax_, b.vmin = vmin_;
+      r_.buses.push_back(b);
+    }
   }
 
   // The generator rows as read: their types and limits.
@@ -501,7 +500,7 @@ class Reader {
 
   std::string stem_;
   CaseResults& r_;
-  const std::vector<BusRecord>* bus_file_;  // the bus file's records when the caller read it
+  const BusNames* bus_names_;  // the bus file's names when the caller read it, else null
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
   std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
@@ -534,11 +533,10 @@ int CaseResults::shown_number(int number) const {
   return b && b->original != 0 ? b->original : number;
 }
 
-bool read_file_results(const std::string& stem, CaseResults& r,
-                       const std::vector<BusRecord>* bus_file) {
+bool read_file_results(const std::string& stem, CaseResults& r, const BusNames* bus_names) {
   r = CaseResults{};
   r.stem = stem;
-  return Reader(stem, r, bus_file).run();
+  return Reader(stem, r, bus_names).run();
 }
 
 }  // namespace lfres
