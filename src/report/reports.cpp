@@ -72,16 +72,24 @@ EndCurrents end_currents(int32_t i, int32_t j, double R, double X, double B, dou
 
 // The branch that stands for a row as read: the first with the same number
 // and the same two case buses, in either order; NO.nbranch + 1 without one.
+// An open-addressed table with the keys in its slots, so that a look-up on
+// a large grid costs one or two cache lines rather than a chain of nodes.
 class BranchIndex {
  public:
   BranchIndex() {
-    first_.reserve(static_cast<std::size_t>(std::max(NO.nbranch, 0)));
-    for (int32_t k = NO.nbranch; k >= 1; --k)
-      first_[key(IJB.No[k], NNTOON[IJB.I[k]], NNTOON[IJB.J[k]])] = k;
+    std::size_t size = 16;
+    while (size < 2 * static_cast<std::size_t>(std::max(NO.nbranch, 0))) size *= 2;
+    slots_.assign(size, Slot{});
+    mask_ = size - 1;
+    for (int32_t k = 1; k <= NO.nbranch; ++k) {
+      const Key want = key(IJB.No[k], NNTOON[IJB.I[k]], NNTOON[IJB.J[k]]);
+      Slot& s = slots_[probe(want)];
+      if (s.branch == 0) s = {want, k};  // an earlier branch keeps the key
+    }
   }
   int32_t find(int32_t no, int32_t i, int32_t j) const {
-    auto it = first_.find(key(no, i, j));
-    return it == first_.end() ? NO.nbranch + 1 : it->second;
+    const Slot& s = slots_[probe(key(no, i, j))];
+    return s.branch == 0 ? NO.nbranch + 1 : s.branch;
   }
 
  private:
@@ -89,15 +97,24 @@ class BranchIndex {
     int32_t no, lo, hi;
     bool operator==(const Key&) const = default;
   };
-  struct Hash {
-    std::size_t operator()(const Key& k) const {
-      std::size_t h = static_cast<uint32_t>(k.no);
-      h = h * 1000003u ^ static_cast<uint32_t>(k.lo);
-      return h * 1000003u ^ static_cast<uint32_t>(k.hi);
-    }
+  struct Slot {
+    Key key{};
+    int32_t branch = 0;  // 1.. in IJB, 0 for an empty slot
   };
   static Key key(int32_t no, int32_t i, int32_t j) { return {no, std::min(i, j), std::max(i, j)}; }
-  std::unordered_map<Key, int32_t, Hash> first_;
+  // The slot that holds k, or the empty slot where it would go.
+  std::size_t probe(const Key& k) const {
+    uint64_t h = static_cast<uint32_t>(k.no);
+    h = (h * 0x9E3779B97F4A7C15u) ^ static_cast<uint32_t>(k.lo);
+    h = (h * 0x9E3779B97F4A7C15u) ^ static_cast<uint32_t>(k.hi);
+    h *= 0x9E3779B97F4A7C15u;
+    for (std::size_t at = static_cast<std::size_t>(h >> 32) & mask_;; at = (at + 1) & mask_) {
+      const Slot& s = slots_[at];
+      if (s.branch == 0 || s.key == k) return at;
+    }
+  }
+  std::vector<Slot> slots_;
+  std::size_t mask_ = 0;
 };
 
 // Flows of the branch found for a row as read.  A row past the branch list
