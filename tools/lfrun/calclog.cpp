@@ -47,10 +47,10 @@ void end_capture() {
 // from the report files or the database) and keeps its time line in the
 // run log.
 void print_results(const std::string& case_name, const std::string& db, bool converged,
-                   double seconds) {
+                   double seconds, const lfres::BusNames* bus_names) {
   lfres::CaseResults results;
   if (db.empty()) {
-    lfres::read_file_results(case_name, results);
+    lfres::read_file_results(case_name, results, bus_names);
   } else {
     lfres::read_db_results(db, case_name, results);
   }
@@ -76,12 +76,12 @@ void keep_line(const char* line) {
 }
 
 void finish_calculation(const std::string& case_name, const std::string& db, bool converged,
-                        bool print_summary) {
+                        bool print_summary, const lfres::BusNames* bus_names) {
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
   end_capture();
   if (print_summary) {
-    print_results(case_name, db, converged, seconds);
+    print_results(case_name, db, converged, seconds, bus_names);
   } else {  // the run log keeps the time line all the same
     run_log << lfres::time_line(seconds) << '\n';
   }

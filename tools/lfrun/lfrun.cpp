@@ -195,8 +195,12 @@ int main(int argc, char** argv) {
   Options o;
   if (int status = parse(argc, argv, o); status >= 0) return status;
   if (int status = enter_case(o); status >= 0) return status;
-  if (o.db.empty() && (o.check || o.check_only)) {
-    const int warnings = precheck(fs::path(o.stem).filename().string(), o.check_only);
+  // The bus names as the check read them: the summaries take them from
+  // here rather than read the bus file again.
+  lfres::BusNames buses;
+  const bool checked = o.db.empty() && (o.check || o.check_only);
+  if (checked) {
+    const int warnings = precheck(fs::path(o.stem).filename().string(), o.check_only, buses);
     if (o.check_only) return warnings == 0 ? kExitConverged : kExitNotConverged;
   }
 
@@ -224,7 +228,7 @@ int main(int argc, char** argv) {
     // In database mode a calculation that wrote nothing has no results to
     // sum up: the tables hold those of an earlier one.
     const bool results = session <= 0 || lfcli_writes(session) > writes;
-    finish_calculation(name, o.db, converged, !o.quiet && results);
+    finish_calculation(name, o.db, converged, !o.quiet && results, checked ? &buses : nullptr);
   }
   engine.finish();
   std::fflush(stdout);

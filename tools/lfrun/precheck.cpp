@@ -1,6 +1,8 @@
 #include "precheck.hpp"
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 
 #include "casefile/check/casecheck.hpp"
@@ -8,6 +10,7 @@
 namespace {
 
 constexpr std::size_t kNameWidth = 60;  // the engine's names are 60 characters
+constexpr std::uintmax_t kMostRoom = std::uintmax_t{1} << 24;  // bytes of bus file made room for
 
 // The load library's stem as the engine takes it: line 4 of NAME.INC, first
 // 60 characters without trailing blanks, or DATALIB.
@@ -24,8 +27,23 @@ std::string library_stem() {
 
 }  // namespace
 
-int precheck(const std::string& name, bool alone) {
-  const std::vector<std::string> warnings = lf::check::check_case(name, library_stem());
+int precheck(const std::string& name, bool alone, lfres::BusNames& buses) {
+  // Room for the names before the check takes its memory, so that they do
+  // not stand amid it: the calculation then finds all of that memory free in
+  // one piece.  No name is longer than the file, and a record takes two
+  // bytes at least.  Room that is not written costs nothing; beyond a
+  // bound the names grow as they come.
+  std::error_code ec;
+  const std::uintmax_t bytes =
+      std::min<std::uintmax_t>(std::filesystem::file_size(name + ".L1", ec), kMostRoom);
+  buses = {};
+  if (!ec) buses.text.reserve(bytes), buses.ends.reserve(bytes / 2);
+  lf::check::Family read;
+  const std::vector<std::string> warnings = lf::check::check_case(name, library_stem(), read);
+  const lf::check::FileRead& l1 = read.l1;
+  const std::size_t busname = l1.layout->slot("busname");
+  for (const lf::check::Record& r : l1.records)
+    buses.add(l1.texts[r.index * l1.layout->texts + busname]);
   for (const std::string& w : warnings) std::fprintf(stderr, "lfrun: check: %s\n", w.c_str());
   if (alone)
     std::fprintf(stderr, "lfrun: check: %s: %zu warning(s)\n", name.c_str(), warnings.size());

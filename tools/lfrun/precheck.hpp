@@ -3,8 +3,12 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "results.hpp"
 
 // Checks the case `name` in the working folder, with the load library that
 // NAME.INC names (line 4) or DATALIB; prints the warnings and, when `alone`,
-// a closing line.  Gives the number of warnings.
-int precheck(const std::string& name, bool alone);
+// a closing line.  Gives the number of warnings, and in buses the names of
+// the bus file's records as the check read them, for the result summary.
+int precheck(const std::string& name, bool alone, lfres::BusNames& buses);

@@ -1,5 +1,6 @@
 // Reading the case files and the report files of a case into CaseResults.
 #include <algorithm>
+#include <bit>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -47,6 +48,22 @@ bool integer(std::string_view text, int& v) {
   if (!number(text, d) || d != std::floor(d)) return false;
   v = static_cast<int>(d);
   return true;
+}
+
+// The first character from p on that is no blank, or end; eight at a time
+// while eight are left (the fields of the reports stand right-aligned behind
+// runs of blanks).
+const char* past_blanks(const char* p, const char* end) {
+  constexpr uint64_t kBlanks = 0x2020202020202020u;
+  constexpr bool kLowFirst = std::endian::native == std::endian::little;  // byte order
+  for (; kLowFirst && end - p >= 8; p += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, sizeof word);
+    if (const uint64_t other = word ^ kBlanks; other != 0)
+      return p + std::countr_zero(other) / 8;  // the first byte that differs
+  }
+  while (p != end && *p == ' ') ++p;
+  return p;
 }
 
 // A report file taken in whole and handed out a line at a time, each line
@@ -125,11 +142,26 @@ class ReportLines {
         number);
   }
   bool take(int& v, bool& ok) { return take(v, ok, lf::quick_int, integer); }
+  // The next field as it is (what operator[] gives for it); false when the
+  // line has no further field.
+  bool take(std::string_view& text) {
+    if (split_) {
+      if (taken_ == bounds_.size()) return false;
+      text = trimmed(bounds_[taken_].first, bounds_[taken_].second);
+      ++taken_;
+      return true;
+    }
+    const std::size_t comma = line_.find(',', taken_);
+    if (comma == line_.npos) return false;
+    text = trimmed(taken_, comma);
+    taken_ = comma + 1;
+    return true;
+  }
 
  private:
   std::string_view trimmed(std::size_t from, std::size_t to) const {
-    std::string_view f = line_.substr(from, to - from);
-    while (!f.empty() && f.front() == ' ') f.remove_prefix(1);
+    const char* first = past_blanks(line_.data() + from, line_.data() + to);
+    std::string_view f(first, static_cast<std::size_t>(line_.data() + to - first));
     while (!f.empty() && f.back() == ' ') f.remove_suffix(1);
     return f;
   }
@@ -154,8 +186,8 @@ class ReportLines {
       ++taken_;
       return true;
     }
-    const char *p = line_.data() + taken_, *end = line_.data() + line_.size();
-    while (p != end && *p == ' ') ++p;
+    const char* end = line_.data() + line_.size();
+    const char* p = past_blanks(line_.data() + taken_, end);
     if (const char* q = quick(p, end, v)) {
       while (q != end && *q == ' ') ++q;
       if (q != end && *q == ',') {
@@ -184,7 +216,8 @@ class ReportLines {
 
 class Reader {
  public:
-  Reader(const std::string& stem, CaseResults& r) : stem_(stem), r_(r) {}
+  Reader(const std::string& stem, CaseResults& r, const BusNames* bus_names)
+      : stem_(stem), r_(r), bus_names_(bus_names) {}
 
   bool run() {
     if (!read_control()) return false;
@@ -237,6 +270,15 @@ class Reader {
   }
 
   void read_buses() {
+    if (bus_names_) {
+      for (std::size_t k = 0; k < bus_names_->size(); ++k) {
+        Bus& b = r_.buses.emplace_back();
+        b.number = static_cast<int>(k) + 1;
+        const std::string_view name = (*bus_names_)[k];
+        b.name.assign(name.substr(0, name.find_last_not_of(' ') + 1));
+      }
+      return;
+    }
     lf::FreeReader in;
     if (!in.open(stem_ + ".L1")) return;
     for (;;) {
@@ -326,8 +368,9 @@ class Reader {
     int last = 0;
     for (std::size_t k = 1; f.next(); ++k) {
       int bus = 0;
-      if (f.size() < 3) continue;
-      if (!integer(f[0], bus)) {
+      std::string_view field[3];
+      if (!f.take(field[0]) || !f.take(field[1]) || !f.take(field[2])) continue;
+      if (!integer(field[0], bus)) {
         if (connected_.empty()) read_connected();
         bus = last + 1;
         while (bus <= static_cast<int>(r_.buses.size()) &&
@@ -340,7 +383,7 @@ class Reader {
         continue;
       }
       Bus& b = r_.buses[static_cast<std::size_t>(bus - 1)];
-      b.solved = number(f[1], b.v) && number(f[2], b.angle);
+      b.solved = number(field[1], b.v) && number(field[2], b.angle);
     }
     return true;
   }
@@ -380,9 +423,11 @@ class Reader {
     std::map<int, std::size_t> next;  // bus -> place in rows of its next row as read
     for (ReportLines f(stem_ + ".LP5"); f.next();) {
       Generator g;
-      if (f.size() < 4 || !number(f[1], g.p) || !number(f[2], g.q)) continue;
-      integer(f[3], g.merged);
-      if (!integer(f[0], g.bus)) g.bus = 0;
+      bool read[4];
+      if (!f.take(g.bus, read[0]) || !f.take(g.p, read[1]) || !f.take(g.q, read[2]) ||
+          !f.take(g.merged, read[3]) || !read[1] || !read[2])
+        continue;
+      if (!read[0]) g.bus = 0;
       const auto [at, first] = next.try_emplace(g.bus, 0);
       std::size_t& k = at->second;
       if (first)
@@ -403,9 +448,11 @@ class Reader {
   void read_loads() {
     for (ReportLines f(stem_ + ".LP6"); f.next();) {
       Load l;
-      if (f.size() < 4 || !number(f[2], l.p) || !number(f[3], l.q)) continue;
-      if (!integer(f[0], l.bus)) l.bus = 0;
-      integer(f[1], l.no);
+      bool read[4];
+      if (!f.take(l.bus, read[0]) || !f.take(l.no, read[1]) || !f.take(l.p, read[2]) ||
+          !f.take(l.q, read[3]) || !read[2] || !read[3])
+        continue;
+      if (!read[0]) l.bus = 0;
       r_.loads.push_back(l);
     }
   }
@@ -453,6 +500,7 @@ class Reader {
 
   std::string stem_;
   CaseResults& r_;
+  const BusNames* bus_names_;  // the bus file's names when the caller read it, else null
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
   std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
@@ -485,10 +533,10 @@ int CaseResults::shown_number(int number) const {
   return b && b->original != 0 ? b->original : number;
 }
 
-bool read_file_results(const std::string& stem, CaseResults& r) {
+bool read_file_results(const std::string& stem, CaseResults& r, const BusNames* bus_names) {
   r = CaseResults{};
   r.stem = stem;
-  return Reader(stem, r).run();
+  return Reader(stem, r, bus_names).run();
 }
 
 }  // namespace lfres

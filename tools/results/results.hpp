@@ -4,7 +4,9 @@
 // shows exactly what the engine wrote.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lfres {
@@ -94,9 +96,31 @@ struct CaseResults {
   int shown_number(int number) const;
 };
 
+// The names of the records of a bus file, in their order: what a caller
+// that has read the bus file already hands to the reading of the results.
+struct BusNames {
+  std::string text;                 // the names one after the other, as read
+  std::vector<std::uint32_t> ends;  // where each name ends in text
+  std::size_t size() const { return ends.size(); }
+  std::string_view operator[](std::size_t k) const {
+    const std::uint32_t from = k == 0 ? 0 : ends[k - 1];
+    return std::string_view(text).substr(from, ends[k] - from);
+  }
+  void add(std::string_view name) {
+    text += name;
+    ends.push_back(static_cast<std::uint32_t>(text.size()));
+  }
+};
+
 // Reads the case files and the report files of CASE_STEM.  Returns false,
 // with the reason in problems, when the case or its bus report is missing.
-bool read_file_results(const std::string& stem, CaseResults& r);
+// A caller that has read the bus file already (the same way: the case
+// files' free-form reading up to the end or the first unreadable record)
+// hands in the names of its records as bus_names; the file is then not read
+// again, and the bus table holds the names alone: base voltages, areas and
+// limits stay zero (the result summary shows none of them).
+bool read_file_results(const std::string& stem, CaseResults& r,
+                       const BusNames* bus_names = nullptr);
 
 // Reads the solved state from the tables of the database file db; name is
 // the case's name for the summary.

@@ -7,8 +7,14 @@
 namespace lf::check {
 
 std::vector<std::string> check_case(const std::string& stem, const std::string& dat_stem) {
+  Family f;
+  return check_case(stem, dat_stem, f);
+}
+
+std::vector<std::string> check_case(const std::string& stem, const std::string& dat_stem,
+                                    Family& f) {
   Warnings w;
-  const Family f = read_family(stem, dat_stem, w);
+  f = read_family(stem, dat_stem, w);
   check_counts(f, w);
   check_records(f, w);
   check_topology(f, w);

@@ -10,10 +10,15 @@
 #include <string>
 #include <vector>
 
+#include "casefile/check/family.hpp"
+
 namespace lf::check {
 
 // The warnings about the case at stem (its path without extension) with the
 // load library dat_stem.DAT, one line each; none for a sound case.
 std::vector<std::string> check_case(const std::string& stem, const std::string& dat_stem);
+// The same, and the case family as read is left in `read` for the caller.
+std::vector<std::string> check_case(const std::string& stem, const std::string& dat_stem,
+                                    Family& read);
 
 }  // namespace lf::check

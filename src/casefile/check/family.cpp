@@ -49,32 +49,31 @@ std::string Family::bus(int32_t b) const {
 Family read_family(const std::string& stem, const std::string& dat_stem, Warnings& w) {
   Family f;
   f.stem = stem;
-  // Each file is taken in once: first the encodings of all of them are
-  // checked, then their records read.
+  // Each file is taken in once, into one buffer that serves them all in
+  // turn; the warnings about the encodings of all of them come first, those
+  // about their records after.
   constexpr std::string_view kExt[] = {".L0", ".L1", ".L2", ".L3",  ".NL4",
                                        ".L5", ".L6", ".L7", ".L10", ".L13"};
   FileRead* const files[] = {&f.l0, &f.l1, &f.l2, &f.l3,  &f.nl4,
                              &f.l5, &f.l6, &f.l7, &f.l10, &f.l13};
-  FreeReader in[std::size(kExt)];
+  Warnings records;
+  FreeReader in;
   for (std::size_t k = 0; k < std::size(kExt); ++k) {
     const std::string path = stem + std::string(kExt[k]);
-    if (in[k].open(path)) check_encoding(path, in[k].text(), w);
+    if (in.open(path)) check_encoding(path, in.text(), w);
+    *files[k] = files[k] == &f.l13 ? read_switches(path, in, records)
+                                   : read_records(path, kExt[k], in, records);
+    in.close();
   }
-  for (std::size_t k = 0; k < std::size(kExt); ++k) {
-    const std::string path = stem + std::string(kExt[k]);
-    *files[k] =
-        files[k] == &f.l13 ? read_switches(path, in[k], w) : read_records(path, kExt[k], in[k], w);
-    in[k].close();
-  }
+  w.insert(w.end(), records.begin(), records.end());
   for (FileRead* file : files) file->read = engine_reads(f, *file);
   const std::size_t type_at = f.l6.layout->at("mode_ctrl");
   const bool typed = std::any_of(f.l6.records.begin(), f.l6.records.end(), [&](const Record& r) {
     return f.uses(f.l6, r) && f.l6.value(r, type_at).i >= kTypeFirstLoadSet;
   });
   const std::string library = dat_stem + ".DAT";
-  FreeReader lib;
-  f.dat = typed ? (lib.open(library), read_library(library, lib, w)) : unread(library, ".DAT");
-  if (f.dat.present) check_encoding(library, lib.text(), w);
+  f.dat = typed ? (in.open(library), read_library(library, in, w)) : unread(library, ".DAT");
+  if (f.dat.present) check_encoding(library, in.text(), w);
   f.dat.read = engine_reads(f, f.dat);
   return f;
 }

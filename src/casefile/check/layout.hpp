@@ -12,8 +12,12 @@ namespace lf::check {
 struct Field {
   std::string_view name;  // as in the file formats ("I", "basekv", ...)
   char kind;              // 'I' integer, 'R' real, 'T' text
-  // A text field: its place among the text fields of a record, from 0 (set
-  // with the layout; the checker's reading stores the text there).
+  // Whether the checks look at the field: only such fields are kept of the
+  // records read (set with the layout, read by the checker's reading).
+  bool kept = false;
+  // A kept field: its place among the kept fields of its kind (values or
+  // texts) of a record, from 0 (set with the layout; the checker's reading
+  // stores the field there, the accessors of a file find it there).
   std::size_t slot = 0;
 };
 
@@ -24,10 +28,12 @@ struct Layout {
   std::string_view ext;                        // ".L2"
   std::vector<std::vector<Field>> statements;  // the read statements of one record
   std::size_t fields = 0;                      // fields of all statements together
-  std::size_t texts = 0;                       // text fields of all statements together
-  // Position of a field among all fields of a record, from 0.
+  std::size_t values = 0;                      // kept integer and real fields of a record
+  std::size_t texts = 0;                       // kept text fields of a record
+  // Place of a kept integer or real field among the kept values of a
+  // record, from 0.
   std::size_t at(std::string_view name) const;
-  // Place of a text field among the text fields of a record, from 0.
+  // Place of a kept text field among the kept texts of a record, from 0.
   std::size_t slot(std::string_view name) const;
 };
 

@@ -56,7 +56,7 @@ Limits limits(const FileRead& file, const char* hi, const char* lo) {
   return {hi, lo, file.layout->at(hi), file.layout->at(lo)};
 }
 
-void inverted(const FileRead& file, const Record& r, const Limits& l, const std::string& tail,
+void inverted(const FileRead& file, const Record& r, const Limits& l, const char* tail,
               Warnings& w) {
   const double h = file.value(r, l.hi_at).r, lo = file.value(r, l.lo_at).r;
   if (h < lo)

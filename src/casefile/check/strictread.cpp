@@ -1,6 +1,7 @@
 #include "casefile/check/strictread.hpp"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "support/freeread.hpp"
@@ -19,18 +20,21 @@ std::string shown(const std::string& text) {
 }
 
 // Reads the records of one layout into files of that layout.  The read
-// items of every statement are made once, over a scratch record that each
-// record is read into before it joins its file.
+// items of every statement are made once, over a scratch record of all the
+// fields that each record is read into; its kept fields then join the file.
 class RecordReader {
  public:
-  explicit RecordReader(const Layout& l) : values_(l.fields), texts_(l.texts) {
+  explicit RecordReader(const Layout& l) : values_(l.fields), texts_(l.fields) {
     std::size_t k = 0;
     for (const auto& statement : l.statements) {
       std::vector<ReadItem>& items = items_.emplace_back();
       for (const Field& f : statement) {
+        Value& zero = blank_.emplace_back();
+        if (f.kind == 'I') zero.i = 0;
         items.push_back(f.kind == 'I'   ? ReadItem::of(values_[k].i)
                         : f.kind == 'R' ? ReadItem::of(values_[k].r)
-                                        : ReadItem::of(texts_[f.slot]));
+                                        : ReadItem::of(texts_[k]));
+        if (f.kept) (f.kind == 'T' ? kept_texts_ : kept_values_).push_back(k);
         ++k;
       }
     }
@@ -44,8 +48,8 @@ class RecordReader {
   bool read(FreeReader& in, FileRead& f, int32_t number, Warnings& w) {
     const Layout& l = *f.layout;
     const Record r{number, in.line_number() + 1, 0, f.records.size()};
-    std::fill(values_.begin(), values_.end(), Value{});
-    for (std::string& t : texts_) t.clear();
+    values_ = blank_;
+    for (std::size_t k : kept_texts_) texts_[k].clear();
     std::size_t first = 0;
     for (std::size_t s = 0; s < items_.size(); ++s) {
       if (in.read(items_[s])) {
@@ -64,16 +68,19 @@ class RecordReader {
                   " records");
       return false;
     }
-    f.values.insert(f.values.end(), values_.begin(), values_.end());
-    f.texts.insert(f.texts.end(), texts_.begin(), texts_.end());
+    for (std::size_t k : kept_values_) f.values.push_back(values_[k]);
+    for (std::size_t k : kept_texts_) f.texts.push_back(texts_[k]);
     f.records.push_back(r);
     return true;
   }
 
  private:
-  std::vector<Value> values_;                 // the scratch record's fields, by position
-  std::vector<std::string> texts_;            // its texts, by slot
-  std::vector<std::vector<ReadItem>> items_;  // the items of each statement over them
+  std::vector<Value> values_;  // the scratch record's integer and real fields, by position
+  std::vector<Value> blank_;   // a record of zeros that each reading starts from
+  // Its text fields, by position (only the places of text fields are used).
+  std::vector<std::string> texts_;
+  std::vector<std::size_t> kept_values_, kept_texts_;  // positions of the kept fields, by slot
+  std::vector<std::vector<ReadItem>> items_;           // the items of each statement over them
 };
 
 // Room for as many records as the file has lines, as each starts a line.
@@ -83,14 +90,14 @@ void reserve(FileRead& f, const FreeReader& in) {
   for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1))
     ++lines;
   f.records.reserve(lines);
-  f.values.reserve(lines * f.layout->fields);
+  f.values.reserve(lines * f.layout->values);
   f.texts.reserve(lines * f.layout->texts);
 }
 
 // Takes the last record read off f again.
 void drop_last(FileRead& f) {
   f.records.pop_back();
-  f.values.resize(f.records.size() * f.layout->fields);
+  f.values.resize(f.records.size() * f.layout->values);
   f.texts.resize(f.records.size() * f.layout->texts);
 }
 
@@ -145,6 +152,9 @@ FileRead read_switches(const std::string& path, FreeReader& in, Warnings& w) {
   f.present = in.is_open();
   if (!f.present) return f;
   RecordReader group_reader(*groups.layout), switch_reader(*f.layout);
+  // A record whose first four fields are all zero ends its group.
+  const Layout& l = *f.layout;
+  const std::array<std::size_t, 4> ends{l.at("valid"), l.at("type"), l.at("I"), l.at("J")};
   int32_t number = 0;  // switch records read
   for (;;) {
     if (!group_reader.read(in, groups, 0, w)) return f;
@@ -155,7 +165,7 @@ FileRead read_switches(const std::string& path, FreeReader& in, Warnings& w) {
       if (!switch_reader.read(in, f, number + 1, w)) return f;
       ++number;
       const Value* v = &f.value(f.records.back(), 0);
-      if (v[0].i == 0 && v[1].i == 0 && v[2].i == 0 && v[3].i == 0) {
+      if (std::all_of(ends.begin(), ends.end(), [&](std::size_t at) { return v[at].i == 0; })) {
         drop_last(f);
         break;
       }

@@ -19,11 +19,10 @@ namespace lf::check {
 
 using Warnings = std::vector<std::string>;
 
-// A field's value: i for an integer field, r for a real one (the other 0;
-// Value{} is all zeros).
-struct Value {
-  int32_t i;
+// A field's value: i for an integer field, r for a real one.
+union Value {
   double r;
+  int32_t i;
 };
 
 // One record as read; its fields stand in its file's arrays (FileRead).
@@ -46,13 +45,13 @@ struct FileRead {
   enum class Keep { All, AboveZero, One } keep = Keep::All;
   std::size_t keep_at = 0;
   std::vector<Record> records;  // the records the engine's reader takes
-  // The fields of the records, record after record: layout->fields values
-  // each (by position in the layout) and layout->texts texts each (by slot).
-  // Written by the reading, read through the accessors below.
+  // The kept fields of the records (those the checks look at), record after
+  // record: layout->values values each and layout->texts texts each, by
+  // their slots.  Written by the reading, read through the accessors below.
   std::vector<Value> values;
   std::vector<std::string> texts;
   const Value& value(const Record& r, std::size_t at) const {
-    return values[r.index * layout->fields + at];
+    return values[r.index * layout->values + at];
   }
   int32_t integer(const Record& r, std::string_view field) const {
     return value(r, layout->at(field)).i;

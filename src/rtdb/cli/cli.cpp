@@ -10,22 +10,77 @@
 // reaches it.  A fetch for update takes the write lock at once; precommit and
 // commit end the transaction and forget every open selection of the session.
 // A database opened for writing keeps a write-ahead log, so that a session
-// that reads never keeps another one from writing.
+// that reads never keeps another one from writing.  The SQLite library is
+// loaded when the first session opens, so that a program that links the
+// client but works on case files never maps it.
 #include "cli.h"
 
-#include <sqlite3.h>
+#include <dlfcn.h>
+#include <sqlite3ext.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+// The SQLite functions in use, found in the library when the first session
+// opens: the extension header turns each call sqlite3_f(...) into
+// sqlite3_api->f(...).  Null until then, and for good when the library
+// cannot be loaded.
+static const sqlite3_api_routines* sqlite3_api = nullptr;
+
 namespace {
+
+constexpr const char* kSqliteLibrary = "libsqlite3.so.0";  // the library's name to load
+
+template <typename F>
+bool find_function(void* library, const char* name, F& f) {
+  f = reinterpret_cast<F>(dlsym(library, name));
+  return f != nullptr;
+}
+
+// Loads the library and finds its functions once; false, with a line on
+// standard error, when it cannot be loaded.
+bool load_sqlite() {
+  static const bool loaded = [] {
+    static sqlite3_api_routines api{};
+    void* lib = dlopen(kSqliteLibrary, RTLD_NOW | RTLD_LOCAL);
+    const bool found = lib && find_function(lib, "sqlite3_bind_double", api.bind_double) &&
+                       find_function(lib, "sqlite3_bind_int64", api.bind_int64) &&
+                       find_function(lib, "sqlite3_bind_text", api.bind_text) &&
+                       find_function(lib, "sqlite3_busy_timeout", api.busy_timeout) &&
+                       find_function(lib, "sqlite3_close", api.close) &&
+                       find_function(lib, "sqlite3_column_bytes", api.column_bytes) &&
+                       find_function(lib, "sqlite3_column_double", api.column_double) &&
+                       find_function(lib, "sqlite3_column_int64", api.column_int64) &&
+                       find_function(lib, "sqlite3_column_text", api.column_text) &&
+                       find_function(lib, "sqlite3_column_type", api.column_type) &&
+                       find_function(lib, "sqlite3_errmsg", api.errmsg) &&
+                       find_function(lib, "sqlite3_exec", api.exec) &&
+                       find_function(lib, "sqlite3_extended_errcode", api.extended_errcode) &&
+                       find_function(lib, "sqlite3_finalize", api.finalize) &&
+                       find_function(lib, "sqlite3_last_insert_rowid", api.last_insert_rowid) &&
+                       find_function(lib, "sqlite3_open_v2", api.open_v2) &&
+                       find_function(lib, "sqlite3_prepare_v2", api.prepare_v2) &&
+                       find_function(lib, "sqlite3_reset", api.reset) &&
+                       find_function(lib, "sqlite3_step", api.step);
+    if (!found) {
+      const char* why = dlerror();
+      std::fprintf(stderr, "lfcli: cannot load the SQLite library %s: %s\n", kSqliteLibrary,
+                   why ? why : "a function is missing");
+      return false;
+    }
+    sqlite3_api = &api;
+    return true;
+  }();
+  return loaded;
+}
 
 // Width of a text field when the caller gives no length.
 constexpr int kTextField = 25;
@@ -65,7 +120,9 @@ struct Statement {
   std::vector<sqlite3_int64> rows;
   std::size_t pos = 0;
   sqlite3_stmt* get = nullptr;
-  ~Statement() { sqlite3_finalize(get); }
+  ~Statement() {
+    if (get) sqlite3_finalize(get);
+  }
 };
 
 std::vector<std::unique_ptr<Session>> sessions;      // descriptor d at d - 1
@@ -350,6 +407,7 @@ int cli_create(char const* databaseName, char const* filePath, unsigned, int ope
                size_t, size_t, size_t) {
   const char* path = filePath ? filePath : databaseName;
   if (!path) return cli_bad_address;
+  if (!load_sqlite()) return cli_runtime_error;
   int flags = (openAttr & cli_open_readonly) ? SQLITE_OPEN_READONLY
                                              : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   sqlite3* db = nullptr;
