@@ -17,7 +17,11 @@ constexpr std::size_t kFlushAt = std::size_t{1} << 18;
 
 ReportFile::ReportFile(const std::string& path, Mode mode)
     : buf_(new char[kFlushAt + 512]), capacity_(kFlushAt + 512) {
-  if (mode == kNew) std::remove(path.c_str());
+  // An old file is deleted in either mode before the new one is made (to
+  // replace is to delete and create): truncated and written again instead,
+  // it would be written out at once by file systems that guard against
+  // losing its contents.
+  std::remove(path.c_str());
   f_ = std::fopen(path.c_str(), "w");
   if (!f_ && mode == kNew) stop_run("Can't open file " + path);
 }

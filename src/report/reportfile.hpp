@@ -15,7 +15,8 @@ class ReportFile {
  public:
   enum Mode {
     kNew,      // delete an old file, create the new one; failure stops the run
-    kReplace,  // overwrite; failure leaves the file closed and ok() false
+    kReplace,  // delete an old file, create the new one; failure leaves the file
+               // closed and ok() false
   };
   explicit ReportFile(const std::string& path, Mode mode = kNew);
   ~ReportFile();

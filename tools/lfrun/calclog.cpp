@@ -66,7 +66,12 @@ void print_results(const std::string& case_name, const std::string& db, bool con
 
 void start_calculation(const std::string& case_name, bool nonlinear) {
   run_log.close();
-  run_log.open(case_name + ".LOG", std::ios::trunc);
+  // The old log is removed rather than cut to nothing: a file system that
+  // sees a file truncated and written again writes it out at once, which
+  // costs far more than making a new file.
+  const std::string log = case_name + ".LOG";
+  std::remove(log.c_str());
+  run_log.open(log, std::ios::trunc);
   if (nonlinear) start_capture();
   started = std::chrono::steady_clock::now();
 }
