@@ -18,6 +18,7 @@
 #include <ctime>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "io/channels.hpp"
@@ -72,32 +73,48 @@ EndCurrents end_currents(int32_t i, int32_t j, double R, double X, double B, dou
 
 // The branch that stands for a row as read: the first with the same number
 // and the same two case buses, in either order; NO.nbranch + 1 without one.
+// The branches are kept in groups by the lower of their two case buses, each
+// group by ascending branch: the rows of a case come roughly by bus, so the
+// look-ups walk the groups in order instead of jumping over a large table.
 class BranchIndex {
  public:
   BranchIndex() {
-    first_.reserve(static_cast<std::size_t>(std::max(NO.nbranch, 0)));
-    for (int32_t k = NO.nbranch; k >= 1; --k)
-      first_[key(IJB.No[k], NNTOON[IJB.I[k]], NNTOON[IJB.J[k]])] = k;
+    const auto ends = [](int32_t k) {
+      const int32_t a = NNTOON[IJB.I[k]], b = NNTOON[IJB.J[k]];
+      return std::pair{std::min(a, b), std::max(a, b)};
+    };
+    int32_t top = 0;
+    for (int32_t k = 1; k <= NO.nbranch; ++k) top = std::max(top, ends(k).second);
+    start_.assign(static_cast<std::size_t>(top) + 2, 0);
+    for (int32_t k = 1; k <= NO.nbranch; ++k)
+      if (const int32_t lo = ends(k).first; lo >= 0) ++start_[static_cast<std::size_t>(lo) + 1];
+    for (std::size_t b = 1; b < start_.size(); ++b) start_[b] += start_[b - 1];
+    entries_.resize(static_cast<std::size_t>(start_.back()));
+    std::vector<int32_t> at(start_.begin(), start_.end() - 1);
+    for (int32_t k = 1; k <= NO.nbranch; ++k) {
+      const auto [lo, hi] = ends(k);
+      if (lo >= 0)
+        entries_[static_cast<std::size_t>(at[static_cast<std::size_t>(lo)]++)] = {IJB.No[k], hi, k};
+    }
   }
   int32_t find(int32_t no, int32_t i, int32_t j) const {
-    auto it = first_.find(key(no, i, j));
-    return it == first_.end() ? NO.nbranch + 1 : it->second;
+    const int32_t lo = std::min(i, j), hi = std::max(i, j);
+    if (lo >= 0 && static_cast<std::size_t>(lo) + 1 < start_.size()) {
+      const std::size_t b = static_cast<std::size_t>(lo);
+      for (int32_t t = start_[b]; t < start_[b + 1]; ++t) {
+        const Entry& e = entries_[static_cast<std::size_t>(t)];
+        if (e.no == no && e.hi == hi) return e.branch;
+      }
+    }
+    return NO.nbranch + 1;
   }
 
  private:
-  struct Key {
-    int32_t no, lo, hi;
-    bool operator==(const Key&) const = default;
+  struct Entry {
+    int32_t no, hi, branch;  // number, higher case bus, branch in IJB
   };
-  struct Hash {
-    std::size_t operator()(const Key& k) const {
-      std::size_t h = static_cast<uint32_t>(k.no);
-      h = h * 1000003u ^ static_cast<uint32_t>(k.lo);
-      return h * 1000003u ^ static_cast<uint32_t>(k.hi);
-    }
-  };
-  static Key key(int32_t no, int32_t i, int32_t j) { return {no, std::min(i, j), std::max(i, j)}; }
-  std::unordered_map<Key, int32_t, Hash> first_;
+  std::vector<int32_t> start_;  // by lower case bus b: group b is entries_[start_[b] ..]
+  std::vector<Entry> entries_;
 };
 
 // Flows of the branch found for a row as read.  A row past the branch list

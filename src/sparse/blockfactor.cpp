@@ -138,6 +138,15 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
   w.fit(n);
   f.sol.resize(static_cast<std::size_t>(n) + 1);
   BlockStore::Sum* y = rhs ? f.sol.data() : nullptr;
+  // The right-hand sides in working order first, in a loop of its own: the
+  // rows lie scattered in them, and there the loads do not wait on each
+  // other, while in the loop below each would wait behind the factor's work.
+  if (y) {
+    for (int32_t c = 1; c <= n; ++c) {
+      const int32_t i = f.order[static_cast<std::size_t>(c)];
+      y[c] = {rhs->r1[i], rhs->r2[i]};
+    }
+  }
   f.overflow_at = 0;
   for (int32_t c = 1; c <= n; ++c) {
     const int32_t q = iu[c];
@@ -157,9 +166,7 @@ void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const B
     if (!store(f.lval.data(), f.uval.data(), ju, c, q, count, w) &&
         (f.overflow_at == 0 || i < f.overflow_at))
       f.overflow_at = i;
-    if (y) {
-      y[c] = forward_step(f.lval[static_cast<std::size_t>(q)].v, rhs->r1[i], rhs->r2[i], sum);
-    }
+    if (y) y[c] = forward_step(f.lval[static_cast<std::size_t>(q)].v, y[c].s1, y[c].s2, sum);
   }
 }
 
@@ -176,6 +183,10 @@ void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
     for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s].v, y[pju[s]]);
     y[c].s1 -= sum.s1;
     y[c].s2 -= sum.s2;
+  }
+  // Back to row numbers in a loop of its own, where the scattered stores
+  // do not hold up the sums.
+  for (int32_t c = 1; c <= f.n; ++c) {
     const int32_t i = f.order[static_cast<std::size_t>(c)];
     x1[i] = y[c].s1;
     x2[i] = y[c].s2;

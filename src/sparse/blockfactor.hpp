@@ -114,8 +114,9 @@ struct BlockStore {
   // each factorisation.
   std::vector<FactorBlock, HugePageAlloc<FactorBlock>> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
-  // The two unknowns of a block row: the forward and then the backward
-  // solution by place, 1..n, written and read by solvxn alone.
+  // The two unknowns of a block row by place, 1..n: the right-hand side,
+  // then the forward and then the backward solution, written and read by the
+  // factorisation with right-hand sides and by solvxn.
   struct Sum {
     double s1, s2;
   };
