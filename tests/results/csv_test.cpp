@@ -2,7 +2,9 @@
 
 #include <fstream>
 
+#include "results.hpp"
 #include "results/hosts.hpp"
+#include "summary.hpp"
 
 namespace lf::test {
 namespace {
@@ -90,6 +92,37 @@ TEST(CsvTables, GeneratorsTakeTheRowsOfTheirBusInTurn) {
             "2,,\"B\",-2,0.1,0.5,-0.5,0.5,0,1\n"
             "1,,\"A\",0,0.1,0.2,-0.7,0.7,0,0\n"
             "2,,\"B\",-2,0.1,0.3,-0.3,0.3,0,1\n");
+}
+
+// The summary's reading keeps only the most loaded branches as it goes:
+// the ones the whole reading ranks first, also among equal loadings, with
+// neither shunt branches nor loadings that do not read.
+TEST(SummaryReading, KeepsTheBranchesThatTheWholeReadingRanksFirst) {
+  const std::string folder = "ranked";
+  std::filesystem::create_directory(folder);
+  const std::string lp2 =  // No 3 a shunt, No 5 unreadable, No 8 the most loaded
+      "1, 2, 1, 2.0, 0.0, 1.0, 0.0, 0, 0,\n1, 3, 2, 0.0, 1.0, 2.0, 0.0, 0, 0,\n"
+      "2, 2, 3, 3.0, 0.0, 3.0, 0.0, 0, 0,\n2, 3, 4, 2.0, 0.0, 0.0, 0.0, 0, 0,\n"
+      "1, 2, 5, *****, 0.0, 1.0, 0.0, 0, 0,\n1, 3, 6, 1.0, 0.0, 1.0, 0.0, 0, 0,\n"
+      "2, 3, 7, 0.0, 2.0, 0.0, 0.0, 0, 0,\n1, 2, 8, 5.0, 0.0, 0.0, 0.0, 0, 0,\n"
+      "1, 3, 9, 2.0, 0.0, 0.0, 0.0, 0, 0,\n";
+  for (const auto& [ext, text] :
+       {std::pair<const char*, std::string>{
+            "L0", "3 9 0 0 0 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n"},
+        {"L1", "'A' 110 1 0 0\n'B' 110 1 0 0\n'C' 110 1 0 0\n"},
+        {"LP1", std::string(kStamp) + "1, 1.0, 0.0,\n2, 1.0, 0.0,\n"},
+        {"LP2", lp2}})
+    std::ofstream(folder + "/C." + ext) << text;
+  lfres::CaseResults all, few;
+  lfres::read_file_results(folder + "/C", all);
+  lfres::read_file_results(folder + "/C", few, {nullptr, lfres::kBranchesShown});
+  const auto ranked = [](const lfres::CaseResults& r) {
+    std::vector<int> no;
+    for (const lfres::Branch* b : lfres::by_loading(r, lfres::kBranchesShown)) no.push_back(b->no);
+    return no;
+  };
+  EXPECT_EQ(ranked(all), (std::vector<int>{8, 1, 2, 4, 7}));
+  EXPECT_EQ(ranked(few), ranked(all));
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ void print_results(const std::string& case_name, const std::string& db, bool con
                    double seconds, const lfres::BusNames* bus_names) {
   lfres::CaseResults results;
   if (db.empty()) {
-    lfres::read_file_results(case_name, results, bus_names);
+    lfres::read_file_results(case_name, results, {bus_names, lfres::kBranchesShown});
   } else {
     lfres::read_db_results(db, case_name, results);
   }

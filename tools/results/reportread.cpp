@@ -259,15 +259,16 @@ class ReportLines {
 
 class Reader {
  public:
-  Reader(const std::string& stem, CaseResults& r, const BusNames* bus_names)
-      : stem_(stem), r_(r), bus_names_(bus_names) {}
+  Reader(const std::string& stem, CaseResults& r, const SummaryOnly& only)
+      : stem_(stem), r_(r), only_(only) {}
 
   bool run() {
     if (!read_control()) return false;
     // Room for the records that the control file counts, as far as the
     // files can hold them: growth would copy them over and over.
     make_room(r_.buses, counts_[0], {".L1"});
-    make_room(r_.branches, static_cast<long long>(counts_[1]) + counts_[2], {".LP2", ".LP3"});
+    if (only_.branches == 0)
+      make_room(r_.branches, static_cast<long long>(counts_[1]) + counts_[2], {".LP2", ".LP3"});
     make_room(r_.generators, counts_[4], {".LP5"});
     make_room(r_.loads, counts_[5], {".LP6"});
     read_buses();
@@ -313,11 +314,11 @@ class Reader {
   }
 
   void read_buses() {
-    if (bus_names_) {
-      for (std::size_t k = 0; k < bus_names_->size(); ++k) {
+    if (only_.bus_names) {
+      for (std::size_t k = 0; k < only_.bus_names->size(); ++k) {
         Bus& b = r_.buses.emplace_back();
         b.number = static_cast<int>(k) + 1;
-        const std::string_view name = (*bus_names_)[k];
+        const std::string_view name = (*only_.bus_names)[k];
         b.name.assign(name.substr(0, name.find_last_not_of(' ') + 1));
       }
       return;
@@ -449,8 +450,42 @@ class Reader {
       for (std::size_t k = 0; k < 6; ++k) {
         if (!powers[k]) *v[k] = std::nan("");
       }
-      r_.branches.push_back(b);
+      keep(b);
     }
+  }
+
+  // Keeps a branch read: every one, or, with only_.branches above 0, those
+  // that rank among the most loaded so far (by_loading's order: the higher
+  // loading first, of equal ones the earlier), the one that drops out
+  // making room for it.
+  void keep(const Branch& b) {
+    if (only_.branches == 0) {
+      r_.branches.push_back(b);
+      return;
+    }
+    if (b.shunt()) return;
+    // Most branches are plainly below the kept ones: the squares tell so
+    // without the exact loading (the margin covers their rounding).
+    constexpr double kBelow = 1 - 1e-9;
+    const double squared = std::max(b.pij * b.pij + b.qij * b.qij, b.pji * b.pji + b.qji * b.qji);
+    if (r_.branches.size() == only_.branches && squared < lowest_ * lowest_ * kBelow) return;
+    const double s = b.loading();
+    if (!std::isfinite(s)) return;
+    if (r_.branches.size() < only_.branches) {
+      r_.branches.push_back(b);
+      loadings_.push_back(s);
+      lowest_ = *std::min_element(loadings_.begin(), loadings_.end());
+      return;
+    }
+    std::size_t last = 0;  // the last ranked so far: the lowest loading, the latest of equal ones
+    for (std::size_t k = 1; k < loadings_.size(); ++k)
+      if (loadings_[k] <= loadings_[last]) last = k;
+    if (s <= loadings_[last]) return;
+    r_.branches.erase(r_.branches.begin() + static_cast<std::ptrdiff_t>(last));
+    loadings_.erase(loadings_.begin() + static_cast<std::ptrdiff_t>(last));
+    r_.branches.push_back(b);
+    loadings_.push_back(s);
+    lowest_ = *std::min_element(loadings_.begin(), loadings_.end());
   }
 
   // Generator report lines stand in the order of the rows as read, without
@@ -543,7 +578,9 @@ class Reader {
 
   std::string stem_;
   CaseResults& r_;
-  const BusNames* bus_names_;  // the bus file's names when the caller read it, else null
+  const SummaryOnly& only_;       // what the caller lets the reading leave out
+  std::vector<double> loadings_;  // of the branches kept, when only some are
+  double lowest_ = 0;             // the lowest of them
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
   std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
@@ -576,10 +613,10 @@ int CaseResults::shown_number(int number) const {
   return b && b->original != 0 ? b->original : number;
 }
 
-bool read_file_results(const std::string& stem, CaseResults& r, const BusNames* bus_names) {
+bool read_file_results(const std::string& stem, CaseResults& r, const SummaryOnly& only) {
   r = CaseResults{};
   r.stem = stem;
-  return Reader(stem, r, bus_names).run();
+  return Reader(stem, r, only).run();
 }
 
 }  // namespace lfres

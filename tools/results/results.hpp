@@ -112,15 +112,23 @@ struct BusNames {
   }
 };
 
+// What the reading may leave out for a caller that shows the result
+// summary alone.
+struct SummaryOnly {
+  // The names of the bus file's records, when the caller has read that file
+  // already (the same way: the case files' free-form reading up to the end
+  // or the first unreadable record): the file is then not read again, and
+  // the bus table holds the names alone; base voltages, areas and limits
+  // stay zero.  Null: the bus file is read.
+  const BusNames* bus_names = nullptr;
+  // Above 0: only that many of the most loaded branches are kept (those that
+  // by_loading would give first), in the order of the reports.
+  std::size_t branches = 0;
+};
+
 // Reads the case files and the report files of CASE_STEM.  Returns false,
 // with the reason in problems, when the case or its bus report is missing.
-// A caller that has read the bus file already (the same way: the case
-// files' free-form reading up to the end or the first unreadable record)
-// hands in the names of its records as bus_names; the file is then not read
-// again, and the bus table holds the names alone: base voltages, areas and
-// limits stay zero (the result summary shows none of them).
-bool read_file_results(const std::string& stem, CaseResults& r,
-                       const BusNames* bus_names = nullptr);
+bool read_file_results(const std::string& stem, CaseResults& r, const SummaryOnly& only = {});
 
 // Reads the solved state from the tables of the database file db; name is
 // the case's name for the summary.

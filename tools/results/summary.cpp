@@ -8,8 +8,6 @@
 namespace lfres {
 namespace {
 
-constexpr std::size_t kBranchesShown = 5;
-
 template <typename... A>
 std::string format(const char* f, A... a) {
   char buf[256];

@@ -12,6 +12,9 @@
 
 namespace lfres {
 
+// Branches the summary shows, the most loaded first.
+constexpr std::size_t kBranchesShown = 5;
+
 // Totals over the case, per unit.
 struct Totals {
   double gen_p = 0, gen_q = 0;    // all generators' output
