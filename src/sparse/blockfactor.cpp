@@ -73,23 +73,24 @@ void eliminate(const int32_t* iu, const int32_t* ju, const FactorBlock* lv, cons
   constexpr std::size_t kAhead = 4;
   for (std::size_t t = 0; t < std::min(kAhead, nknown); ++t) {
     __builtin_prefetch(lv + above[t].pos);
-    __builtin_prefetch(uv + above[t].pos);
+    __builtin_prefetch(uv + above[t].pos - above[t].row);
   }
   for (std::size_t t = 0; t < nabove; ++t) {
     if (t + kAhead < nknown) {
       __builtin_prefetch(lv + above[t + kAhead].pos);
-      __builtin_prefetch(uv + above[t + kAhead].pos);
+      __builtin_prefetch(uv + above[t + kAhead].pos - above[t + kAhead].row);
       __builtin_prefetch(ju + above[t + kAhead].pos);
     }
     const int32_t k = above[t].row, p = above[t].pos;
     const double* l = lv[p].v;
-    const double* u = uv[p].v;
+    const FactorBlock* uk = uv + (p - k);  // U of row k from position p on
+    const double* u = uk->v;
     if (y) add_product(sum, l, y[k]);
     const double ualpha[4] = {-u[0], -u[1], -u[2], -u[3]};
     const double lalpha[4] = {-l[0], -l[1], -l[2], -l[3]};
     const int32_t m = iu[k + 1] - p;
     m2axpyo(0, w, m, ju + p, lv + p, ualpha);
-    m2axpyo(1, w, m - 1, ju + p + 1, uv + p + 1, lalpha);
+    m2axpyo(1, w, m - 1, ju + p + 1, uk + 1, lalpha);
   }
 }
 
@@ -114,7 +115,7 @@ bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32
     ls[0] = wl[0], ls[1] = wl[1], ls[2] = wl[2], ls[3] = wl[3];
     const double* wu = w.block(1, j);
     const double wa = wu[0], wb = wu[1], wc = wu[2], wd = wu[3];
-    double* us = uv[s].v;
+    double* us = uv[s - i].v;
     us[0] = ia * wa + ib * wc;
     us[1] = ia * wb + ib * wd;
     us[2] = ic * wa + id * wc;
@@ -180,7 +181,7 @@ void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
   BlockStore::Sum* y = f.sol.data();
   for (int32_t c = f.n; c >= 1; --c) {
     BlockStore::Sum sum{0.0, 0.0};
-    for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s].v, y[pju[s]]);
+    for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s - c].v, y[pju[s]]);
     y[c].s1 -= sum.s1;
     y[c].s2 -= sum.s2;
   }

@@ -92,9 +92,11 @@ struct BlockStore {
   std::vector<int32_t> order;  // [1..n] by place: the row (bus number) worked out there
   std::vector<int32_t> iu;     // [1..n] by place: the row's pivot position; [n+1] one past the last
   std::vector<int32_t> ju;     // by position: the place of the column of U (= row of L)
-  // By position: the L block and the U block (at a pivot the pivot block,
-  // and in U nothing that is read: its identity is implied), in two stores
-  // of their own so that the backward solution reads U alone.
+  // The L blocks by position, at a pivot the pivot block; and the U blocks
+  // without the pivots (whose identity is implied): the block of position s
+  // of the row at place c at s - c, as the rows before it have a pivot each.
+  // Two stores of their own, so that the backward solution reads U alone and
+  // the pivots cost it no memory traffic.
   std::vector<FactorBlock, HugePageAlloc<FactorBlock>> lval, uval;
   // The layouts of the elimination, made by nonsym74 and read by each
   // factorisation, both by place c of a column, in the order of the work.

@@ -152,7 +152,7 @@ void place_rows(const RowPattern& p, const std::vector<int32_t>& place, BlockSto
   }
   f.iu[static_cast<std::size_t>(n) + 1] = q;
   f.lval.resize(p.ju.size());
-  f.uval.resize(p.ju.size());
+  f.uval.resize(p.ju.size() - static_cast<std::size_t>(n));
 }
 
 // Lays out the entries of U by the place of their column, each column's by
