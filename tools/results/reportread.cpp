@@ -5,11 +5,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <initializer_list>
 #include <map>
+#include <memory>
 #include <numeric>
 #include <string_view>
 #include <vector>
@@ -66,31 +68,35 @@ const char* past_blanks(const char* p, const char* end) {
   return p;
 }
 
-// A report file taken in whole and handed out a line at a time, each line
-// split into its fields: the text between commas outside quotes, without
-// the quotes, carriage returns and the blanks at either end.  The text after
-// the last comma is no field.  A field of asterisks (a value too wide for
-// it) stays as it is.  No file reads as no lines.  The fields are found
-// when first asked for by place, or taken one after another from the first
-// (take), which converts a plain number where it stands.
+// A report file read a piece at a time and handed out a line at a time,
+// each line split into its fields: the text between commas outside quotes,
+// without the quotes, carriage returns and the blanks at either end.  The
+// text after the last comma is no field.  A field of asterisks (a value too
+// wide for it) stays as it is.  No file reads as no lines.  The fields are
+// found when first asked for by place, or taken one after another from the
+// first (take), which converts a plain number where it stands.  One buffer
+// of a fixed size serves the whole file (it grows only for a longer line),
+// so that a large report touches little memory.
 class ReportLines {
  public:
-  explicit ReportLines(const std::string& path) {
-    lf::read_whole_file(path, text_);
-    // Quotes and carriage returns are rare (the first line of the bus
-    // report): lines after the last of them need no cleaning.
-    for (const char c : {'\'', '\r'}) {
-      if (const void* last = memrchr(text_.data(), c, text_.size()))
-        plain_from_ = std::max(plain_from_, static_cast<const char*>(last) - text_.data() + 1);
-    }
+  explicit ReportLines(const std::string& path)
+      : file_(std::fopen(path.c_str(), "rb")), buf_(new char[kPiece]), size_(kPiece) {}
+  ~ReportLines() {
+    if (file_) std::fclose(file_);
   }
+  ReportLines(const ReportLines&) = delete;
+  ReportLines& operator=(const ReportLines&) = delete;
 
   // Takes the next line; false at the end of the file.
   bool next() {
-    if (pos_ >= text_.size()) return false;
-    const char* line = text_.data() + pos_;
-    const auto* stop = static_cast<const char*>(std::memchr(line, '\n', text_.size() - pos_));
-    const std::size_t end = stop ? static_cast<std::size_t>(stop - text_.data()) : text_.size();
+    const char* stop = nullptr;
+    while (!(pos_ < end_ && (stop = static_cast<const char*>(
+                                 std::memchr(buf_.get() + pos_, '\n', end_ - pos_)))) &&
+           fill()) {
+    }
+    if (pos_ >= end_) return false;
+    const char* line = buf_.get() + pos_;
+    const std::size_t end = stop ? static_cast<std::size_t>(stop - buf_.get()) : end_;
     const std::string_view plain(line, end - pos_);
     const bool clean = static_cast<std::ptrdiff_t>(pos_) >= plain_from_ ||
                        plain.find_first_of("'\r") == plain.npos;
@@ -202,11 +208,48 @@ class ReportLines {
     return true;
   }
 
-  std::string text_;               // the whole file
-  std::size_t pos_ = 0;            // start of the next line
-  std::ptrdiff_t plain_from_ = 0;  // no quote nor carriage return from here on
+  // Keeps the unread rest of the buffer, moved to its front, and reads the
+  // next piece of the file behind it; false when the file has no more.
+  bool fill() {
+    if (!file_) return false;
+    if (pos_ > 0) {
+      std::memmove(buf_.get(), buf_.get() + pos_, end_ - pos_);
+      end_ -= pos_;
+      plain_from_ = std::max<std::ptrdiff_t>(plain_from_ - static_cast<std::ptrdiff_t>(pos_), 0);
+      pos_ = 0;
+    }
+    if (end_ == size_) {  // a line longer than the buffer
+      std::unique_ptr<char[]> more(new char[2 * size_]);
+      std::memcpy(more.get(), buf_.get(), end_);
+      buf_ = std::move(more);
+      size_ *= 2;
+    }
+    const std::size_t n = std::fread(buf_.get() + end_, 1, size_ - end_, file_);
+    if (n == 0) {
+      std::fclose(file_);
+      file_ = nullptr;
+      return false;
+    }
+    // Quotes and carriage returns are rare (the first line of the bus
+    // report): lines after the last of them need no cleaning.
+    for (const char c : {'\'', '\r'}) {
+      if (const void* last = memrchr(buf_.get() + end_, c, n))
+        plain_from_ = std::max(plain_from_, static_cast<const char*>(last) - buf_.get() + 1);
+    }
+    end_ += n;
+    return true;
+  }
+
+  static constexpr std::size_t kPiece = std::size_t{1} << 16;  // bytes read at a time
+
+  std::FILE* file_;                // the file, until it has been read to its end
+  std::unique_ptr<char[]> buf_;    // the lines of the file not yet handed out, and more
+  std::size_t size_;               // bytes of buf_
+  std::size_t end_ = 0;            // end of what buf_ holds of the file
+  std::size_t pos_ = 0;            // start of the next line in buf_
+  std::ptrdiff_t plain_from_ = 0;  // no quote nor carriage return from here on in buf_
   std::string clean_;              // the present line without quotes, where it has any
-  std::string_view line_;          // the present line: in text_, or clean_
+  std::string_view line_;          // the present line: in buf_, or clean_
   bool split_ = false;             // bounds_ holds the fields of line_
   std::vector<std::pair<std::size_t, std::size_t>> bounds_;  // the fields in line_
   // Fields taken: in a line as it stands (split_ false) where the next one
