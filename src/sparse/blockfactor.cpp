@@ -70,7 +70,7 @@ void eliminate(const int32_t* iu, const int32_t* ju, const FactorBlock* lv, cons
   // The positions lie far apart in the store: ask early for the ones that
   // come next, in this column or (nknown entries of above being there) in
   // the columns after it.
-  constexpr std::size_t kAhead = 4;
+  constexpr std::size_t kAhead = 8;
   for (std::size_t t = 0; t < std::min(kAhead, nknown); ++t) {
     __builtin_prefetch(lv + above[t].pos);
     __builtin_prefetch(uv + above[t].pos - above[t].row);
@@ -179,7 +179,17 @@ void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
   const int32_t* pju = f.ju.data();
   const FactorBlock* uv = f.uval.data();
   BlockStore::Sum* y = f.sol.data();
+  // The rows of U are read from the last place down, which the processor's
+  // own look-ahead follows poorly: ask for the row some places on.
+  constexpr int32_t kAhead = 24;  // places
+  const std::size_t nu = f.uval.size();
   for (int32_t c = f.n; c >= 1; --c) {
+    if (c > kAhead) {
+      // U of the row at place c - kAhead and the line after it.
+      const std::size_t at = static_cast<std::size_t>(piu[c - kAhead] + 1 - (c - kAhead));
+      __builtin_prefetch(uv + at);
+      __builtin_prefetch(uv + std::min(at + 2, nu - 1));
+    }
     BlockStore::Sum sum{0.0, 0.0};
     for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s - c].v, y[pju[s]]);
     y[c].s1 -= sum.s1;
