@@ -33,7 +33,7 @@ inline BlockStore::Sum forward_step(const double* piv, double r1, double r2,
 // Loads the entries of the column at place c on and below the diagonal into
 // side 0 of the work row and those of its row right of the diagonal into
 // side 1.  The work row already holds the pattern of the factor, which
-// covers the matrix's; the entries stand together in f.low (see gather).
+// covers the matrix's; the entries stand together in f.low.
 void load(const BlockStore& f, int32_t c, BlockWork& w) {
   const int32_t* start = f.load_start.data() + 2 * c - 1;  // side 0, side 1, end
   for (int side = 0; side < 2; ++side) {
@@ -42,19 +42,6 @@ void load(const BlockStore& f, int32_t c, BlockWork& w) {
       w.set(side, f.loads[static_cast<std::size_t>(t)].row, b[0], b[1], b[2], b[3]);
     }
   }
-}
-
-// Copies the matrix's blocks by position into f.low in the order of
-// f.loads: one pass along the rows, which reads the matrix in the order it
-// is stored, so that the factorisation then finds each column's entries
-// side by side instead of one per row far apart.
-void gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
-  if (A.n < 1) return;
-  FactorBlock* low = f.low.data();
-  const int32_t* at = f.value_at.data();
-  // A position that no column loads goes to the spare place 0.
-  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p)
-    __builtin_memcpy(low[at[p]].v, v.a[p].v, sizeof low->v);
 }
 
 // Column i of L and row i of U in the work row, the matrix's entries
@@ -127,14 +114,13 @@ bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32
 // The values of the factors on the pattern laid out, place by place; with
 // right-hand sides, also the forward part of the solution with them, into
 // f.sol.
-void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
+void numeric(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
   const int32_t n = A.n;
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
   const std::vector<int32_t>& start = f.start;
   const std::vector<Link>& above = f.above;
 
-  gather(A, v, f);
   BlockWork& w = f.work;
   w.fit(n);
   f.sol.resize(static_cast<std::size_t>(n) + 1);
@@ -253,15 +239,31 @@ void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockCh
   }
 }
 
-void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
-  lay_out_factors(A, f);
-  numeric(A, v, f, rhs);
+BlockSink load_sink(BlockStore& f) {
+  return {f.low.data(), f.value_at.data()};
 }
 
-void nonsym74o(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
+// One pass along the rows, which reads the matrix in the order it is
+// stored, so that the factorisation then finds each column's entries side by
+// side instead of one per row far apart.
+void place_values(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  if (A.n < 1) return;
+  MatrixBlock* low = f.low.data();
+  const int32_t* at = f.value_at.data();
+  // A position that no column loads goes to the spare place 0.
+  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p) low[at[p]] = v.a[p];
+}
+
+void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
+  lay_out_factors(A, f);
+  place_values(A, v, f);
+  numeric(A, f, rhs);
+}
+
+void nonsym74o(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
   f.overflow_at = 0;
   if (A.n < 1) return;
-  numeric(A, v, f, rhs);
+  numeric(A, f, rhs);
 }
 
 void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,

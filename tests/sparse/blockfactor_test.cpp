@@ -63,7 +63,9 @@ void first_factors(const BlockMatrix& m, BlockChains& ch, BlockStore& f) {
 
 void again(const BlockMatrix& m, const BlockChains& ch, BlockStore& f,
            const BlockRhs* rhs = nullptr) {
-  nonsym74o({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f, rhs);
+  const BlockPattern a{m.n, m.ia.data(), m.ja.data(), &ch};
+  place_values(a, values(m), f);
+  nonsym74o(a, f, rhs);
 }
 
 // Solves with the factors and checks against the dense solution.
