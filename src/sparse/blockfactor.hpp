@@ -78,7 +78,7 @@ struct BlockValues {
 
 // How many positions ahead a writer through a BlockSink asks for the block
 // it will write; value_at holds that many spare entries past its end.
-constexpr int32_t kSinkAhead = 16;
+constexpr int32_t kSinkAhead = 80;
 
 // Where the writer of a matrix puts its blocks, position by position in
 // ascending order: the block of position p at a[at[p]], or at a[p] when
