@@ -8,6 +8,7 @@
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
 #include "support/fmt.hpp"
+#include "support/prefetch.hpp"
 
 namespace lf {
 
@@ -153,18 +154,10 @@ double load_q(int32_t row, double v) {
 
 namespace {
 
-// How many rows ahead the mismatches ask for the bus arrays of a row.
+// How many rows ahead the mismatches ask for the bus arrays of a row: the
+// rows come by case bus, their internal buses in the order of the ordering,
+// so on a large grid each row reaches far apart in the bus arrays.
 constexpr int32_t kRowsAhead = 16;
-
-// Asks early for element `at` of each array: the rows of a case come by
-// bus, while their internal bus numbers follow the ordering, so on a large
-// grid each row's bus reaches far apart in the bus arrays.  Inlined before
-// the compiler judges it: on its own it has no effect that the compiler
-// sees, and a call to it would be dropped.
-template <typename... A>
-[[gnu::always_inline]] inline void prefetch_at(int32_t at, const A&... arrays) {
-  (__builtin_prefetch(arrays.data() + at), ...);
-}
 
 }  // namespace
 
