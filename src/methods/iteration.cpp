@@ -157,7 +157,7 @@ namespace {
 // How many rows ahead the mismatches ask for the bus arrays of a row: the
 // rows come by case bus, their internal buses in the order of the ordering,
 // so on a large grid each row reaches far apart in the bus arrays.
-constexpr int32_t kRowsAhead = 16;
+constexpr int32_t kRowsAhead = 40;
 
 }  // namespace
 
