@@ -192,11 +192,15 @@ struct BlockSystem {
   BlockPattern pattern() const { return {n, ia.data(), ja.data(), &chains}; }
   BlockValues values() const { return {a.data()}; }
   void first() { nonsym74(pattern(), values(), factors, nullptr); }
-  void again() { nonsym74o(pattern(), values(), factors, nullptr); }
+  void again() {
+    place_values(pattern(), values(), factors);
+    nonsym74o(pattern(), factors, nullptr);
+  }
   // A refactorisation with the solution that goes along with it.
   void again_solve() {
     const BlockRhs rhs{r1.data(), r2.data()};
-    nonsym74o(pattern(), values(), factors, &rhs);
+    place_values(pattern(), values(), factors);
+    nonsym74o(pattern(), factors, &rhs);
     solvxn_back(factors, x1, x2);
   }
   void solve() { solvxn(factors, r1, r2, x1, x2); }

@@ -8,6 +8,7 @@
 #include "store/lfudot.hpp"
 #include "store/vpq.hpp"
 #include "support/fmt.hpp"
+#include "support/prefetch.hpp"
 
 namespace lf {
 
@@ -29,31 +30,6 @@ bool run_models(int32_t t) {
   fomy12();
   return true;
 }
-
-namespace {
-
-// The rows 1..rows at each bus 1..n by their bus ibs, ascending within a bus:
-// group i is list[start[i] .. start[i+1]-1].
-void rows_by_bus(int32_t n, int32_t rows, const Arr<int32_t>& ibs, Arr<int32_t>& start,
-                 Arr<int32_t>& list) {
-  start.grow(static_cast<std::size_t>(n) + 1);
-  start.clear(static_cast<std::size_t>(n) + 1);
-  list.grow(static_cast<std::size_t>(std::max(rows, 0)));
-  for (int32_t r = 1; r <= rows; ++r)
-    if (const int32_t i = internal_bus(ibs[r]); i != 0) ++start[i];
-  int32_t at = 1;
-  for (int32_t i = 1; i <= n + 1; ++i) {
-    const int32_t count = start[i];
-    start[i] = at;
-    at += count;
-  }
-  for (int32_t r = 1; r <= rows; ++r)  // start[i] walks to the end of group i
-    if (const int32_t i = internal_bus(ibs[r]); i != 0) list[start[i]++] = r;
-  for (int32_t i = n + 1; i >= 2; --i) start[i] = start[i - 1];
-  start[1] = 1;
-}
-
-}  // namespace
 
 void glpos() {
   const int32_t n = NO.nnode;
@@ -99,8 +75,6 @@ void glpos() {
       lt = kTypePQ;
     }
   }
-  rows_by_bus(n, LFINF.ngenerat, L5.ibs, GLP.GSTART, GLP.GROWS);
-  rows_by_bus(n, LFINF.nload, L6.ibs, GLP.LSTART, GLP.LROWS);
 }
 
 void inivpq() {
@@ -180,74 +154,59 @@ double load_q(int32_t row, double v) {
 
 namespace {
 
-// How many buses ahead the mismatches ask for the data of the rows.
-constexpr int32_t kRowsAhead = 16;
-
-// Asks early for what the mismatches read of the first generator row and the
-// first load row of bus i: the rows lie scattered against the bus order, and
-// a load that waits holds up the rest of the loop.  Inlined before the
-// compiler judges it: on its own it has no effect that the compiler sees, and
-// a call to it would be dropped.
-[[gnu::always_inline]] inline void prefetch_rows(int32_t i) {
-  if (const int32_t t = GLP.GSTART[i]; t < GLP.GSTART[i + 1]) {
-    const int32_t g = GLP.GROWS[t];
-    __builtin_prefetch(&L5.P[g]);
-    __builtin_prefetch(&L5.Q[g]);
-    __builtin_prefetch(&L5.V[g]);
-    __builtin_prefetch(&L5.mode_ctrl[g]);
-  }
-  if (const int32_t t = GLP.LSTART[i]; t < GLP.LSTART[i + 1]) {
-    const int32_t l = GLP.LROWS[t];
-    __builtin_prefetch(&L6.P[l]);
-    __builtin_prefetch(&L6.Q[l]);
-    __builtin_prefetch(&L6.V[l]);
-    __builtin_prefetch(&L6.mode_ctrl[l]);
-  }
-}
+// How many rows ahead the mismatches ask for the bus arrays of a row: the
+// rows come by case bus, their internal buses in the order of the ordering,
+// so on a large grid each row reaches far apart in the bus arrays.
+constexpr int32_t kRowsAhead = 40;
 
 }  // namespace
 
-// The mismatches go bus by bus, each bus's generator rows and then its load
-// rows in their order: every value takes the same steps in the same order as
-// in a pass over all generators and then all loads, while the bus arrays are
-// read in order rather than scattered.
 void mismatch_p(int32_t n, const Arr<double>& pc, Arr<double>& dp) {
   const bool models = NU.nud != 0 || UPCLF != 0;
   for (int32_t i = 1; i <= n; ++i) {
-    if (i + kRowsAhead <= n) prefetch_rows(i + kRowsAhead);
     dp[i] = VPQ.PDC[i] - pc[i];
     if (models) dp[i] += LFUDOT.UDPINJ[i];
-    for (int32_t t = GLP.GSTART[i]; t < GLP.GSTART[i + 1]; ++t) {
-      const int32_t g = GLP.GROWS[t];
-      if (iter_type(L5.mode_ctrl[g]) == kTypeSlack) {
-        const int32_t l = GLP.ILOAD[i];
-        dp[i] = 0;
-        VPQ.PG[i] = (l != 0 ? L6.P[l] : 0.0) + pc[i];
-      } else {
-        dp[i] += L5.P[g];
-        VPQ.PG[i] = L5.P[g];
-      }
+  }
+  for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
+    if (g + kRowsAhead <= LFINF.ngenerat)
+      prefetch_at(internal_bus(L5.ibs[g + kRowsAhead]), dp, pc, VPQ.PG);
+    const int32_t i = internal_bus(L5.ibs[g]);
+    if (i == 0) continue;
+    if (iter_type(L5.mode_ctrl[g]) == kTypeSlack) {
+      const int32_t l = GLP.ILOAD[i];
+      dp[i] = 0;
+      VPQ.PG[i] = (l != 0 ? L6.P[l] : 0.0) + pc[i];
+    } else {
+      dp[i] += L5.P[g];
+      VPQ.PG[i] = L5.P[g];
     }
-    for (int32_t t = GLP.LSTART[i]; t < GLP.LSTART[i + 1]; ++t) {
-      const int32_t l = GLP.LROWS[t];
-      const int32_t type = iter_type(L6.mode_ctrl[l]);
-      if (type == kTypeSlack) {
-        dp[i] = 0;
-        VPQ.PL[i] = GLP.IGEN[i] == 0 ? -pc[i] : L6.P[l];
-      } else if (type <= kTypePQ) {
-        dp[i] -= L6.P[l];
-        VPQ.PL[i] = L6.P[l];
-      } else {
-        const double p = load_p(l, VPQ.V[i]);
-        dp[i] -= p;
-        VPQ.PL[i] = p;
-      }
+  }
+  for (int32_t l = 1; l <= LFINF.nload; ++l) {
+    if (l + kRowsAhead <= LFINF.nload)
+      prefetch_at(internal_bus(L6.ibs[l + kRowsAhead]), dp, VPQ.PL, VPQ.V);
+    const int32_t i = internal_bus(L6.ibs[l]);
+    if (i == 0) continue;
+    const int32_t t = iter_type(L6.mode_ctrl[l]);
+    if (t == kTypeSlack) {
+      dp[i] = 0;
+      VPQ.PL[i] = GLP.IGEN[i] == 0 ? -pc[i] : L6.P[l];
+    } else if (t <= kTypePQ) {
+      dp[i] -= L6.P[l];
+      VPQ.PL[i] = L6.P[l];
+    } else {
+      const double p = load_p(l, VPQ.V[i]);
+      dp[i] -= p;
+      VPQ.PL[i] = p;
     }
   }
 }
 
 void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed) {
   const bool models = NU.nud != 0 || UPCLF != 0;
+  for (int32_t i = 1; i <= n; ++i) {
+    dq[i] = VPQ.QDC[i] - qc[i];
+    if (models) dq[i] += LFUDOT.UDQINJ[i];
+  }
   // The equation of a fixed-voltage row.  Without one, rows of types -4 and
   // -6 take the row's voltage, which a user-defined model may have moved.
   auto fixed_row = [&](int32_t i, int32_t type, double v) {
@@ -258,44 +217,45 @@ void mismatch_q(int32_t n, const Arr<double>& qc, Arr<double>& dq, FixedV fixed)
     dq[i] = 0;
     if (type == kTypeModel4 || type == kTypeModel6) VPQ.V[i] = v;
   };
-  for (int32_t i = 1; i <= n; ++i) {
-    if (i + kRowsAhead <= n) prefetch_rows(i + kRowsAhead);
-    dq[i] = VPQ.QDC[i] - qc[i];
-    if (models) dq[i] += LFUDOT.UDQINJ[i];
-    for (int32_t s = GLP.GSTART[i]; s < GLP.GSTART[i + 1]; ++s) {
-      const int32_t g = GLP.GROWS[s];
-      const int32_t t = iter_type(L5.mode_ctrl[g]);
-      const int32_t l = GLP.ILOAD[i];
-      if (t == kTypeSlack) {
-        dq[i] = 0;
+  for (int32_t g = 1; g <= LFINF.ngenerat; ++g) {
+    if (g + kRowsAhead <= LFINF.ngenerat)
+      prefetch_at(internal_bus(L5.ibs[g + kRowsAhead]), dq, qc, VPQ.QG, VPQ.V, GLP.ILOAD);
+    const int32_t i = internal_bus(L5.ibs[g]);
+    if (i == 0) continue;
+    const int32_t t = iter_type(L5.mode_ctrl[g]);
+    const int32_t l = GLP.ILOAD[i];
+    if (t == kTypeSlack) {
+      dq[i] = 0;
+      VPQ.QG[i] = (l != 0 ? L6.Q[l] : 0.0) + qc[i];
+    } else if (t < kTypeSlack) {
+      fixed_row(i, t, L5.V[g]);
+      if (l == 0 || std::fabs(L5.Q[g]) + std::fabs(L5.P[g]) >= kNoOutput)
         VPQ.QG[i] = (l != 0 ? L6.Q[l] : 0.0) + qc[i];
-      } else if (t < kTypeSlack) {
-        fixed_row(i, t, L5.V[g]);
-        if (l == 0 || std::fabs(L5.Q[g]) + std::fabs(L5.P[g]) >= kNoOutput)
-          VPQ.QG[i] = (l != 0 ? L6.Q[l] : 0.0) + qc[i];
-      } else {
-        dq[i] += L5.Q[g];
-        VPQ.QG[i] = L5.Q[g];
-      }
+    } else {
+      dq[i] += L5.Q[g];
+      VPQ.QG[i] = L5.Q[g];
     }
-    for (int32_t s = GLP.LSTART[i]; s < GLP.LSTART[i + 1]; ++s) {
-      const int32_t l = GLP.LROWS[s];
-      const int32_t t = iter_type(L6.mode_ctrl[l]);
-      const int32_t g = GLP.IGEN[i];
-      if (t == kTypeSlack) {
-        dq[i] = 0;
-        VPQ.QL[i] = g == 0 ? -qc[i] : L6.Q[l];
-      } else if (t < kTypeSlack) {
-        fixed_row(i, t, L6.V[l]);
-        if (g == 0 || std::fabs(L5.Q[g]) + std::fabs(L5.P[g]) <= kNoOutput) VPQ.QL[i] = -qc[i];
-      } else if (t == kTypePQ) {
-        dq[i] -= L6.Q[l];
-        VPQ.QL[i] = L6.Q[l];
-      } else {
-        const double q = load_q(l, VPQ.V[i]);
-        dq[i] -= q;
-        VPQ.QL[i] = q;
-      }
+  }
+  for (int32_t l = 1; l <= LFINF.nload; ++l) {
+    if (l + kRowsAhead <= LFINF.nload)
+      prefetch_at(internal_bus(L6.ibs[l + kRowsAhead]), dq, qc, VPQ.QL, VPQ.V, GLP.IGEN);
+    const int32_t i = internal_bus(L6.ibs[l]);
+    if (i == 0) continue;
+    const int32_t t = iter_type(L6.mode_ctrl[l]);
+    const int32_t g = GLP.IGEN[i];
+    if (t == kTypeSlack) {
+      dq[i] = 0;
+      VPQ.QL[i] = g == 0 ? -qc[i] : L6.Q[l];
+    } else if (t < kTypeSlack) {
+      fixed_row(i, t, L6.V[l]);
+      if (g == 0 || std::fabs(L5.Q[g]) + std::fabs(L5.P[g]) <= kNoOutput) VPQ.QL[i] = -qc[i];
+    } else if (t == kTypePQ) {
+      dq[i] -= L6.Q[l];
+      VPQ.QL[i] = L6.Q[l];
+    } else {
+      const double q = load_q(l, VPQ.V[i]);
+      dq[i] -= q;
+      VPQ.QL[i] = q;
     }
   }
 }

@@ -68,16 +68,8 @@ const uint8_t* bus_kinds(int32_t n) {
   return JKIND.data();
 }
 
-// The blocks of the Jacobian by position.
-struct Blocks {
-  Arr<MatrixBlock>& a;
-  void put(int32_t k, double xa, double xb, double xc, double xd) const {
-    a[k] = {{xa, xb, xc, xd}};
-  }
-};
-
 // The identity block of a slack row.
-inline int32_t identity_row(int32_t i, int32_t k, Arr<int32_t>& ja, const Blocks& a) {
+inline int32_t identity_row(int32_t i, int32_t k, Arr<int32_t>& ja, const BlockSink& a) {
   ja[k] = i;
   a.put(k, 1, 0, 0, 1);
   return k + 1;
@@ -103,7 +95,7 @@ inline void load_terms(int32_t row, double e, double f, double& aa, double& ab, 
 // balance, or for a bus with V given of the voltage equation.  Returns the
 // next free place.
 int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& ir,
-                  const Arr<double>& ii, Arr<int32_t>& ja, const Blocks& a) {
+                  const Arr<double>& ii, Arr<int32_t>& ja, const BlockSink& a) {
   const double e = VPQ.E[i], f = VPQ.F[i];
   const bool pq = kind[i] == kPQ;
   return walk_row(i, k, kind, [&](int32_t kk, int32_t j, double g, double b, bool diag) {
@@ -135,24 +127,21 @@ int32_t power_row(int32_t i, int32_t k, const uint8_t* kind, const Arr<double>& 
 Arr<uint8_t> JKIND;
 
 void formj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<MatrixBlock>& a) {
+           Arr<int32_t>& ja, const BlockSink& out) {
   const int32_t n = NO.nnode;
   const uint8_t* kind = bus_kinds(n);
-  const Blocks blocks{a};
   int32_t k = 1;
   ia[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
-    k = kind[i] == kSlack ? identity_row(i, k, ja, blocks)
-                          : power_row(i, k, kind, ir, ii, ja, blocks);
+    k = kind[i] == kSlack ? identity_row(i, k, ja, out) : power_row(i, k, kind, ir, ii, ja, out);
     ia[i + 1] = k;
   }
 }
 
 void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a) {
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, const BlockSink& out) {
   const int32_t n = NO.nnode;
   const uint8_t* kind = bus_kinds(n);
-  const Blocks blocks{a};
   const bool inject = NU.nud != 0 || UPCLF != 0;  // the models' extra injections
   int32_t k = 1;
   ia[1] = 1;
@@ -165,7 +154,7 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       const double a = (g5 != 0 ? L5.Angle[g5] : L6.Angle[l6]) * kDegToRadSingle;
       d1[i] = e - vs * std::cos(a);
       d2[i] = f - vs * std::sin(a);
-      k = identity_row(i, k, ja, blocks);
+      k = identity_row(i, k, ja, out);
       ia[i + 1] = k;
       continue;
     }
@@ -190,16 +179,16 @@ void iformj(int32_t /*nent*/, const Arr<double>& ir, const Arr<double>& ii, Arr<
       k = walk_row(i, k, kind, [&](int32_t kk, int32_t j, double g, double b, bool diag) {
         ja[kk] = j;
         if (!diag) {
-          blocks.put(kk, g, -b, b, g);
+          out.put(kk, g, -b, b, g);
           return;
         }
-        blocks.put(kk, g - (sp - 2 * e * cr) / vsq, -b - (sq - 2 * f * cr) / vsq,
-                   (2 * e * ci + sq) / vsq + b, g - (sp - 2 * f * ci) / vsq);
+        out.put(kk, g - (sp - 2 * e * cr) / vsq, -b - (sq - 2 * f * cr) / vsq,
+                (2 * e * ci + sq) / vsq + b, g - (sp - 2 * f * ci) / vsq);
       });
       d1[i] = ir[i] - cr;
       d2[i] = ii[i] - ci;
     } else {
-      k = power_row(i, k, kind, ir, ii, ja, blocks);
+      k = power_row(i, k, kind, ir, ii, ja, out);
       d1[i] = sp - d1[i];
       d2[i] = vs * vs - vsq;
     }

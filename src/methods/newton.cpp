@@ -67,12 +67,13 @@ void heading(Form form) {
   }
 }
 
-// The equations and the Jacobian at the present voltages.
-void form_system(Form form, NewtonWork& w) {
+// The equations and the Jacobian at the present voltages, the Jacobian for
+// factorise_solve with the same `first`.
+void form_system(Form form, NewtonWork& w, bool first) {
   allbpq(3, w.n, VPQ.E, VPQ.F, w.IR, w.II, w.PC, w.QC);
   if (form != Form::Current) {
     power_mismatch(w);
-    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A);
+    formj(w.nent, w.IR, w.II, w.IA, w.JA, jacobian_sink(w, first));
     return;
   }
   // The current form keeps only PG, QG, PL, QL of the power mismatch rules;
@@ -83,7 +84,7 @@ void form_system(Form form, NewtonWork& w) {
     w.D1[i] = w.PC[i];
     w.D2[i] = w.QC[i];
   }
-  iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, w.A);
+  iformj(w.nent, w.IR, w.II, w.D1, w.D2, w.IA, w.JA, jacobian_sink(w, first));
 }
 
 void correction_test(Form form, int32_t& status) {
@@ -106,7 +107,7 @@ void correction_test(Form form, int32_t& status) {
     for (;;) {
       run_models(t);
       if (LFINF.ndcline != 0) dctran();
-      form_system(form, w);
+      form_system(form, w, t == 0);
       if (const int32_t at = nonfinite_at(w.n, w.D1, w.D2))
         return diverge(w, before, "mismatch", at, status);
       factorise_solve(w, t == 0, w.D1, w.D2, w.X1, w.X2);

@@ -17,16 +17,17 @@ namespace lf {
 // calls so that forming allocates nothing.
 extern Arr<uint8_t> JKIND;
 
-// Power-equation Jacobian at the present E, F.  ir, ii are the bus current
-// sums left by allbpq; nent is the capacity of the matrix (2 NYENT).
+// Power-equation Jacobian at the present E, F: its pattern into ia, ja and
+// its blocks into out.  ir, ii are the bus current sums left by allbpq; nent
+// is the capacity of the matrix (2 NYENT).
 void formj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<int32_t>& ia,
-           Arr<int32_t>& ja, Arr<MatrixBlock>& a);
+           Arr<int32_t>& ja, const BlockSink& out);
 
 // Current-equation Jacobian: rows with P and Q given hold the real and
 // imaginary current balance, rows with V given the power form.  d1, d2 hold PC,
 // QC on entry and the mismatches on return.
 void iformj(int32_t nent, const Arr<double>& ir, const Arr<double>& ii, Arr<double>& d1,
-            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, Arr<MatrixBlock>& a);
+            Arr<double>& d2, Arr<int32_t>& ia, Arr<int32_t>& ja, const BlockSink& out);
 
 // The methods; status is the calculation's convergent flag (1 converged).
 void newtonp(int32_t& status);  // method 4: decoupled start, power mismatch test

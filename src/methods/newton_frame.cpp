@@ -44,6 +44,10 @@ BlockValues values_of(const NewtonWork& w) {
 
 }  // namespace
 
+BlockSink jacobian_sink(NewtonWork& w, bool first) {
+  return first ? BlockSink{w.A.data(), nullptr} : load_sink(w.factors);
+}
+
 void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr<double>& r2,
                      Arr<double>& x1, Arr<double>& x2) {
   const BlockPattern a{w.n, w.IA.data(), w.JA.data(), &w.chains};
@@ -52,7 +56,7 @@ void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr
     adlink7l(w.IA, w.JA, w.n, w.chains);
     nonsym74(a, values_of(w), w.factors, &rhs);
   } else {
-    nonsym74o(a, values_of(w), w.factors, &rhs);
+    nonsym74o(a, w.factors, &rhs);
   }
   solvxn_back(w.factors, x1, x2);
   if (w.factors.overflow_at != 0) x1[w.factors.overflow_at] = std::nan("");

@@ -69,17 +69,24 @@ extern NewtonWork NWORK;
 // NWORK, sized for the present case.
 NewtonWork& newton_work();
 
+// Where the Jacobian's blocks go for factorise_solve with the same `first`:
+// by position into A when the fill-in is to be found anew, otherwise
+// straight into the order in which the factorisation reads them.
+BlockSink jacobian_sink(NewtonWork& w, bool first);
+
 // Forms the Jacobian's factors and solves them for the right-hand sides
 // r1, r2 into x1, x2: with `first` the fill-in is found anew, otherwise the
-// pattern of the last such call is reused.  Entries so large (a load of
+// pattern of the last such call is reused and the blocks are those written
+// through jacobian_sink(w, false).  Entries so large (a load of
 // 1e200, say) that a pivot block's determinant overflows would invert to
 // zeros and the bus would get a correction of 0, which reads as converged;
 // such a bus is noted in the factors' overflow_at and its correction is NaN,
 // which ends the iteration there.
 void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr<double>& r2,
                      Arr<double>& x1, Arr<double>& x2);
-// The factors alone, in one routine that keeps nothing for a later
-// factorisation; overflow_at as above.
+// The factors alone of the Jacobian written by position (jacobian_sink with
+// `first`), in one routine that keeps nothing for a later factorisation;
+// overflow_at as above.
 void factorise_whole(NewtonWork& w);
 
 // Solves the factors of factorise_whole for the right-hand sides r1, r2; at

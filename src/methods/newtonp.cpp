@@ -51,7 +51,7 @@ void newtonp(int32_t& status) {
       ++t;
       UDWORK = dmax;
       if (t > LFINF.iteration) break;
-      formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A);
+      formj(w.nent, w.IR, w.II, w.IA, w.JA, jacobian_sink(w, !firstdone));
       factorise_solve(w, !firstdone, w.D1, w.D2, w.X1, w.X2);
       firstdone = true;
       if (const int32_t at = nonfinite_at(w.n, w.X1, w.X2))

@@ -55,7 +55,7 @@ void nlfast(int32_t& status) {
       w.X1[i] = w.X2[i] = c1[i] = c2[i] = 0;
     }
     allbpq(3, n, e0, f0, w.IR, w.II, p0, q0);
-    formj(w.nent, w.IR, w.II, w.IA, w.JA, w.A);
+    formj(w.nent, w.IR, w.II, w.IA, w.JA, jacobian_sink(w, true));
     factorise_whole(w);
     for (;;) {
       if (LFINF.ndcline != 0) dctran();

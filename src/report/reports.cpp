@@ -30,6 +30,7 @@
 #include "store/vpq.hpp"
 #include "support/angles.hpp"
 #include "support/fmt.hpp"
+#include "support/prefetch.hpp"
 
 namespace lf {
 
@@ -108,6 +109,12 @@ class BranchIndex {
     }
     return NO.nbranch + 1;
   }
+  // find for the rows from .. to of IJOPEN, by row from `from` on.
+  std::vector<int32_t> rows(int32_t from, int32_t to) const {
+    std::vector<int32_t> k;
+    for (int32_t r = from; r <= to; ++r) k.push_back(find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]));
+    return k;
+  }
 
  private:
   struct Entry {
@@ -116,6 +123,17 @@ class BranchIndex {
   std::vector<int32_t> start_;  // by lower case bus b: group b is entries_[start_[b] ..]
   std::vector<Entry> entries_;
 };
+
+// How many rows ahead the reports ask for the bus values of a row.
+constexpr int32_t kBusesAhead = 16;
+
+// Asks early for the bus values that the flows of branch k read: the rows
+// come by case bus, their internal buses in the order of the ordering.
+[[gnu::always_inline]] inline void prefetch_buses(int32_t k) {
+  if (k < 1 || k > NO.nbranch) return;
+  prefetch_at(NEW[IJB.I[k]], VPQ.E, VPQ.F, VPQ.V);
+  prefetch_at(NEW[IJB.J[k]], VPQ.E, VPQ.F, VPQ.V);
+}
 
 // Flows of the branch found for a row as read.  A row past the branch list
 // that holds no branch yields zeros.
@@ -263,6 +281,7 @@ void wlp1(int32_t convergent, const CaseName& casename) {
     out.put(fmt_i(convergent != 0 ? 0 : 1, 3) + ",'LF Result File Created on " + now_stamp() +
             "',");
     for (int32_t k = 1; k <= NNTOON.nbase; ++k) {
+      if (k + kBusesAhead <= NNTOON.nbase) prefetch_at(NEW[k + kBusesAhead], VPQ.V, VPQ.TH);
       const int32_t i = NEW[k];
       if (i == 0) continue;
       double angle = VPQ.TH[i] * kRadToDegShort;
@@ -280,8 +299,12 @@ namespace {
 void write_lp2(const CaseName& casename, const BranchIndex& index) {
   ReportFile out(casename.trimmed() + ".LP2");
   double pij, qij, pji, qji, ci, cj;
+  const std::vector<int32_t> branch = index.rows(1, LFINF.nacline);
   for (int32_t r = 1; r <= LFINF.nacline; ++r) {
-    row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
+    const std::size_t at = static_cast<std::size_t>(r - 1);
+    if (const std::size_t next = at + kBusesAhead; next < branch.size())
+      prefetch_buses(branch[next]);
+    row_flows(branch[at], pij, qij, pji, qji, ci, cj);
     out.ints({IJOPEN.I[r], IJOPEN.J[r], IJOPEN.No[r]}, 6);
     out.reals({pij, qij, 0.0 - pji, 0.0 - qji, ci, cj}, 10, 5);
     out.end_line();
@@ -292,9 +315,13 @@ void write_lp3(const CaseName& casename, const BranchIndex& index) {
   ReportFile out(casename.trimmed() + ".LP3");
   LFUDOT.grow(static_cast<std::size_t>(NO.nnode));
   double pij, qij, pji, qji, ci, cj;
+  const std::vector<int32_t> branch = index.rows(LFINF.nacline + 1, LFINF.nacline + LFINF.ntrans);
   for (int32_t t = 1; t <= LFINF.ntrans; ++t) {
     const int32_t r = LFINF.nacline + t;
-    row_flows(index.find(IJOPEN.No[r], IJOPEN.I[r], IJOPEN.J[r]), pij, qij, pji, qji, ci, cj);
+    const std::size_t at = static_cast<std::size_t>(t - 1);
+    if (const std::size_t next = at + kBusesAhead; next < branch.size())
+      prefetch_buses(branch[next]);
+    row_flows(branch[at], pij, qij, pji, qji, ci, cj);
     double pb = 0.0 - pji, qb = 0.0 - qji;  // counted from I to J
     const int32_t i = NEW[IJOPEN.I[r]], j = NEW[IJOPEN.J[r]];
     if (L3P.mode_ctrl[t] == 1 || L3P.mode_ctrl[t] == 2) {  // a model's transformer control
@@ -345,6 +372,8 @@ void wlp5(const CaseName& casename) {
   ReportFile out(casename.trimmed() + ".LP5", ReportFile::kReplace);
   if (!out.ok()) return;
   for (int32_t r = 1; r <= L5OLD.ngenold; ++r) {
+    if (r + kBusesAhead <= L5OLD.ngenold)
+      prefetch_at(NEW[L5OLD.ibs[r + kBusesAhead]], VPQ.PG, VPQ.QG);
     const int32_t b = L5OLD.ibs[r];
     const int32_t i = NEW[b];
     if (i == 0) continue;
@@ -368,6 +397,7 @@ void wlp6(const CaseName& casename) {
   if (shares)
     for (int32_t q = 1; q <= L6PP.nloadold; ++q) as_read[L6PP.ibs[q]].push_back(q);
   for (int32_t r = 1; r <= LFINF.nload; ++r) {
+    if (r + kBusesAhead <= LFINF.nload) prefetch_at(NEW[L6.ibs[r + kBusesAhead]], VPQ.PL, VPQ.QL);
     const int32_t b = L6.ibs[r];
     const int32_t i = NEW[b];
     if (i == 0) continue;

@@ -33,7 +33,7 @@ inline BlockStore::Sum forward_step(const double* piv, double r1, double r2,
 // Loads the entries of the column at place c on and below the diagonal into
 // side 0 of the work row and those of its row right of the diagonal into
 // side 1.  The work row already holds the pattern of the factor, which
-// covers the matrix's; the entries stand together in f.low (see gather).
+// covers the matrix's; the entries stand together in f.low.
 void load(const BlockStore& f, int32_t c, BlockWork& w) {
   const int32_t* start = f.load_start.data() + 2 * c - 1;  // side 0, side 1, end
   for (int side = 0; side < 2; ++side) {
@@ -42,19 +42,6 @@ void load(const BlockStore& f, int32_t c, BlockWork& w) {
       w.set(side, f.loads[static_cast<std::size_t>(t)].row, b[0], b[1], b[2], b[3]);
     }
   }
-}
-
-// Copies the matrix's blocks by position into f.low in the order of
-// f.loads: one pass along the rows, which reads the matrix in the order it
-// is stored, so that the factorisation then finds each column's entries
-// side by side instead of one per row far apart.
-void gather(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
-  if (A.n < 1) return;
-  FactorBlock* low = f.low.data();
-  const int32_t* at = f.value_at.data();
-  // A position that no column loads goes to the spare place 0.
-  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p)
-    __builtin_memcpy(low[at[p]].v, v.a[p].v, sizeof low->v);
 }
 
 // Column i of L and row i of U in the work row, the matrix's entries
@@ -70,26 +57,27 @@ void eliminate(const int32_t* iu, const int32_t* ju, const FactorBlock* lv, cons
   // The positions lie far apart in the store: ask early for the ones that
   // come next, in this column or (nknown entries of above being there) in
   // the columns after it.
-  constexpr std::size_t kAhead = 4;
+  constexpr std::size_t kAhead = 8;
   for (std::size_t t = 0; t < std::min(kAhead, nknown); ++t) {
     __builtin_prefetch(lv + above[t].pos);
-    __builtin_prefetch(uv + above[t].pos);
+    __builtin_prefetch(uv + above[t].pos - above[t].row);
   }
   for (std::size_t t = 0; t < nabove; ++t) {
     if (t + kAhead < nknown) {
       __builtin_prefetch(lv + above[t + kAhead].pos);
-      __builtin_prefetch(uv + above[t + kAhead].pos);
+      __builtin_prefetch(uv + above[t + kAhead].pos - above[t + kAhead].row);
       __builtin_prefetch(ju + above[t + kAhead].pos);
     }
     const int32_t k = above[t].row, p = above[t].pos;
     const double* l = lv[p].v;
-    const double* u = uv[p].v;
+    const FactorBlock* uk = uv + (p - k);  // U of row k from position p on
+    const double* u = uk->v;
     if (y) add_product(sum, l, y[k]);
     const double ualpha[4] = {-u[0], -u[1], -u[2], -u[3]};
     const double lalpha[4] = {-l[0], -l[1], -l[2], -l[3]};
     const int32_t m = iu[k + 1] - p;
     m2axpyo(0, w, m, ju + p, lv + p, ualpha);
-    m2axpyo(1, w, m - 1, ju + p + 1, uv + p + 1, lalpha);
+    m2axpyo(1, w, m - 1, ju + p + 1, uk + 1, lalpha);
   }
 }
 
@@ -114,7 +102,7 @@ bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32
     ls[0] = wl[0], ls[1] = wl[1], ls[2] = wl[2], ls[3] = wl[3];
     const double* wu = w.block(1, j);
     const double wa = wu[0], wb = wu[1], wc = wu[2], wd = wu[3];
-    double* us = uv[s].v;
+    double* us = uv[s - i].v;
     us[0] = ia * wa + ib * wc;
     us[1] = ia * wb + ib * wd;
     us[2] = ic * wa + id * wc;
@@ -126,14 +114,13 @@ bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32
 // The values of the factors on the pattern laid out, place by place; with
 // right-hand sides, also the forward part of the solution with them, into
 // f.sol.
-void numeric(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
+void numeric(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
   const int32_t n = A.n;
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
   const std::vector<int32_t>& start = f.start;
   const std::vector<Link>& above = f.above;
 
-  gather(A, v, f);
   BlockWork& w = f.work;
   w.fit(n);
   f.sol.resize(static_cast<std::size_t>(n) + 1);
@@ -178,9 +165,19 @@ void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
   const int32_t* pju = f.ju.data();
   const FactorBlock* uv = f.uval.data();
   BlockStore::Sum* y = f.sol.data();
+  // The rows of U are read from the last place down, which the processor's
+  // own look-ahead follows poorly: ask for the row some places on.
+  constexpr int32_t kAhead = 24;  // places
+  const std::size_t nu = f.uval.size();
   for (int32_t c = f.n; c >= 1; --c) {
+    if (c > kAhead) {
+      // U of the row at place c - kAhead and the line after it.
+      const std::size_t at = static_cast<std::size_t>(piu[c - kAhead] + 1 - (c - kAhead));
+      __builtin_prefetch(uv + at);
+      __builtin_prefetch(uv + std::min(at + 2, nu - 1));
+    }
     BlockStore::Sum sum{0.0, 0.0};
-    for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s].v, y[pju[s]]);
+    for (int32_t s = piu[c] + 1; s < piu[c + 1]; ++s) add_product(sum, uv[s - c].v, y[pju[s]]);
     y[c].s1 -= sum.s1;
     y[c].s2 -= sum.s2;
   }
@@ -242,15 +239,31 @@ void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockCh
   }
 }
 
-void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
-  lay_out_factors(A, f);
-  numeric(A, v, f, rhs);
+BlockSink load_sink(BlockStore& f) {
+  return {f.low.data(), f.value_at.data()};
 }
 
-void nonsym74o(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
+// One pass along the rows, which reads the matrix in the order it is
+// stored, so that the factorisation then finds each column's entries side by
+// side instead of one per row far apart.
+void place_values(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
+  if (A.n < 1) return;
+  MatrixBlock* low = f.low.data();
+  const int32_t* at = f.value_at.data();
+  // A position that no column loads goes to the spare place 0.
+  for (int32_t p = A.ia[1]; p < A.ia[A.n + 1]; ++p) low[at[p]] = v.a[p];
+}
+
+void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
+  lay_out_factors(A, f);
+  place_values(A, v, f);
+  numeric(A, f, rhs);
+}
+
+void nonsym74o(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
   f.overflow_at = 0;
   if (A.n < 1) return;
-  numeric(A, v, f, rhs);
+  numeric(A, f, rhs);
 }
 
 void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,

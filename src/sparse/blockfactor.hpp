@@ -24,9 +24,11 @@
 //
 // nonsym74 finds the pattern of the factors from the matrix's pattern alone
 // (the fill-in), lays it out for the elimination and works out the values on
-// it; nonsym74o works out the values again on the same pattern.  Both take
-// the same steps in the same order for each value, so they give the same
-// factors to the last bit.
+// it; nonsym74o works out the values again on the same pattern, from blocks
+// that the matrix's writer put straight into the order in which the
+// elimination reads them (load_sink), which spares a pass over the whole
+// matrix.  Both take the same steps in the same order for each value, so
+// they give the same factors to the last bit.
 //
 // The routines take three small views and stores: BlockPattern, the
 // matrix's rows and column chains; BlockValues, its blocks; BlockStore, the
@@ -74,6 +76,28 @@ struct BlockValues {
   const MatrixBlock* a = nullptr;
 };
 
+// How many positions ahead a writer through a BlockSink asks for the block
+// it will write; value_at holds that many spare entries past its end.
+constexpr int32_t kSinkAhead = 80;
+
+// Where the writer of a matrix puts its blocks, position by position in
+// ascending order: the block of position p at a[at[p]], or at a[p] when
+// there is no at.  Through at the blocks land scattered; the line of the
+// block some positions on is asked for early, so that the stores do not
+// wait on memory one after the other.
+struct BlockSink {
+  MatrixBlock* a = nullptr;     // the store the blocks go to
+  const int32_t* at = nullptr;  // by position 1..: the index in a (value_at), or none
+  void put(int32_t p, double xa, double xb, double xc, double xd) const {
+    if (!at) {
+      a[p] = {{xa, xb, xc, xd}};
+      return;
+    }
+    __builtin_prefetch(a + at[p + kSinkAhead], 1);
+    a[at[p]] = {{xa, xb, xc, xd}};
+  }
+};
+
 // An entry of a layout: a row or column (its number or its place, as the
 // layout says) and a position in the factor store or the matrix.
 struct Link {
@@ -92,9 +116,11 @@ struct BlockStore {
   std::vector<int32_t> order;  // [1..n] by place: the row (bus number) worked out there
   std::vector<int32_t> iu;     // [1..n] by place: the row's pivot position; [n+1] one past the last
   std::vector<int32_t> ju;     // by position: the place of the column of U (= row of L)
-  // By position: the L block and the U block (at a pivot the pivot block,
-  // and in U nothing that is read: its identity is implied), in two stores
-  // of their own so that the backward solution reads U alone.
+  // The L blocks by position, at a pivot the pivot block; and the U blocks
+  // without the pivots (whose identity is implied): the block of position s
+  // of the row at place c at s - c, as the rows before it have a pivot each.
+  // Two stores of their own, so that the backward solution reads U alone and
+  // the pivots cost it no memory traffic.
   std::vector<FactorBlock, HugePageAlloc<FactorBlock>> lval, uval;
   // The layouts of the elimination, made by nonsym74 and read by each
   // factorisation, both by place c of a column, in the order of the work.
@@ -108,11 +134,13 @@ struct BlockStore {
   std::vector<Link> above, loads;
   // By matrix position: the place 1.. of its block in the order of loads
   // (the entry loads[t] has place t+1), 0 for a position that no column
-  // loads.  Made by nonsym74, read by each factorisation.
+  // loads and for the kSinkAhead spare entries past the last position.
+  // Made by nonsym74, read by place_values and through load_sink.
   std::vector<int32_t> value_at;
-  // The matrix's blocks by place in the order of loads, copied there by
-  // each factorisation.
-  std::vector<FactorBlock, HugePageAlloc<FactorBlock>> low;
+  // The matrix's blocks by place in the order of loads: copied there by
+  // place_values, or written there through load_sink; read by each
+  // factorisation.
+  std::vector<MatrixBlock, HugePageAlloc<MatrixBlock>> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row by place, 1..n: the right-hand side,
   // then the forward and then the backward solution, written and read by the
@@ -140,9 +168,18 @@ struct BlockRhs {
 // forward part of the solution with it.
 void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f, const BlockRhs* rhs);
 
+// Where a matrix of the pattern that nonsym74 laid out in f puts its blocks
+// for nonsym74o: straight into f.low.
+BlockSink load_sink(BlockStore& f);
+
+// Copies the blocks of a matrix of the pattern laid out in f, given by
+// position, into f.low for nonsym74o.
+void place_values(const BlockPattern& a, const BlockValues& v, BlockStore& f);
+
 // Factorises a matrix of the same pattern again on the factors that nonsym74
-// built: only values change, nothing is added.  rhs as for nonsym74.
-void nonsym74o(const BlockPattern& a, const BlockValues& v, BlockStore& f, const BlockRhs* rhs);
+// built, its blocks in f.low (through load_sink or place_values): only values
+// change, nothing is added.  rhs as for nonsym74.
+void nonsym74o(const BlockPattern& a, BlockStore& f, const BlockRhs* rhs);
 
 // The whole factorisation in one call, chains included, for a matrix given
 // by its rows alone.

@@ -152,7 +152,7 @@ void place_rows(const RowPattern& p, const std::vector<int32_t>& place, BlockSto
   }
   f.iu[static_cast<std::size_t>(n) + 1] = q;
   f.lval.resize(p.ju.size());
-  f.uval.resize(p.ju.size());
+  f.uval.resize(p.ju.size() - static_cast<std::size_t>(n));
 }
 
 // Lays out the entries of U by the place of their column, each column's by
@@ -180,7 +180,7 @@ void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, Blo
     for (int32_t r = 1; r <= A.n; ++r)
       for (int32_t p = upper_from(A, r); p < A.ia[r + 1]; ++p) put(2 * at(r), at(A.ja[p]), p);
   });
-  f.value_at.assign(A.n > 0 ? static_cast<std::size_t>(A.ia[A.n + 1]) : 1, 0);
+  f.value_at.assign((A.n > 0 ? static_cast<std::size_t>(A.ia[A.n + 1]) : 1) + kSinkAhead, 0);
   for (std::size_t t = 0; t < f.loads.size(); ++t)
     f.value_at[static_cast<std::size_t>(f.loads[t].pos)] = static_cast<int32_t>(t) + 1;
   f.low.resize(f.loads.size() + 1);

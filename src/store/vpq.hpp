@@ -33,11 +33,6 @@ struct VPQRec {
 struct GLPRec {
   Arr<int32_t> IGEN;   // row of L5 at the bus, 0 for none
   Arr<int32_t> ILOAD;  // row of L6 at the bus, 0 for none
-  // All rows at each bus, for the loops that visit the buses in order: the
-  // rows of L5 at bus i are GROWS[GSTART[i] .. GSTART[i+1]-1] and those of L6
-  // LROWS[LSTART[i] .. LSTART[i+1]-1], ascending; GSTART, LSTART by bus
-  // 1..nnode+1, positions from 1.  Written by glpos, read by the mismatches.
-  Arr<int32_t> GSTART, GROWS, LSTART, LROWS;
   void grow(std::size_t n);
 };
 

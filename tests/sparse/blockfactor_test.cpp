@@ -63,7 +63,9 @@ void first_factors(const BlockMatrix& m, BlockChains& ch, BlockStore& f) {
 
 void again(const BlockMatrix& m, const BlockChains& ch, BlockStore& f,
            const BlockRhs* rhs = nullptr) {
-  nonsym74o({m.n, m.ia.data(), m.ja.data(), &ch}, values(m), f, rhs);
+  const BlockPattern a{m.n, m.ia.data(), m.ja.data(), &ch};
+  place_values(a, values(m), f);
+  nonsym74o(a, f, rhs);
 }
 
 // Solves with the factors and checks against the dense solution.
@@ -109,10 +111,12 @@ TEST(BlockFactors, RandomSystemsMatchDenseSolveAndRefactorisation) {
     // The same values again on the pattern found: the same factors, bit for bit.
     BlockStore g = f;
     again(m, ch, g);
-    const int32_t used = f.iu[static_cast<std::size_t>(m.n) + 1] - 1;
-    for (int32_t p = 1; p <= used; ++p)
-      for (int k = 0; k < 4; ++k)
-        ASSERT_TRUE(g.lval[p].v[k] == f.lval[p].v[k] && g.uval[p].v[k] == f.uval[p].v[k]);
+    const std::size_t used = static_cast<std::size_t>(f.iu[static_cast<std::size_t>(m.n) + 1]);
+    ASSERT_EQ(f.uval.size(), used - static_cast<std::size_t>(m.n));  // no U at the pivots
+    for (std::size_t p = 1; p < used; ++p)
+      for (int k = 0; k < 4; ++k) ASSERT_TRUE(g.lval[p].v[k] == f.lval[p].v[k]);
+    for (std::size_t p = 1; p < f.uval.size(); ++p)
+      for (int k = 0; k < 4; ++k) ASSERT_TRUE(g.uval[p].v[k] == f.uval[p].v[k]);
     // New values on the same pattern.
     std::uniform_real_distribution<double> u(0.5, 1.5);
     for (int32_t i = 1; i <= m.n; ++i) {
@@ -150,8 +154,9 @@ TEST(BlockFactors, SingularPivotBlockTakesTheSmallestDeterminant) {
   BlockChains ch;
   BlockStore f;
   first_factors(m, ch, f);
-  // U of row 1 = inverse of the pivot, with determinant 1e-20, times the identity.
-  const double* u = f.uval[static_cast<std::size_t>(f.iu[1]) + 1].v;
+  // U of row 1 = inverse of the pivot, with determinant 1e-20, times the
+  // identity; the U blocks leave out the pivots of the rows before.
+  const double* u = f.uval[static_cast<std::size_t>(f.iu[1]) + 1 - 1].v;
   EXPECT_DOUBLE_EQ(u[0], 4 / 1e-20);
   EXPECT_DOUBLE_EQ(u[1], -2 / 1e-20);
   EXPECT_DOUBLE_EQ(u[2], -2 / 1e-20);
