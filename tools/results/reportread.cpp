@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "results.hpp"
+#include "summary.hpp"
 #include "support/freeread.hpp"
 #include "support/numparse.hpp"
 #include "support/wholefile.hpp"
@@ -277,6 +278,7 @@ class Reader {
     if (!read_bus_report()) return false;
     read_branches(".LP2", false);
     read_branches(".LP3", true);
+    if (only_.branches != 0) keep_most_loaded();
     read_generators();
     read_loads();
     read_dclines();
@@ -454,38 +456,25 @@ class Reader {
     }
   }
 
-  // Keeps a branch read: every one, or, with only_.branches above 0, those
-  // that rank among the most loaded so far (by_loading's order: the higher
-  // loading first, of equal ones the earlier), the one that drops out
-  // making room for it.
+  // Keeps a branch read: every one, or, with only_.branches above 0, enough
+  // of them for the most loaded ones.  The branches gather in batches of
+  // kBatch, and each full batch is cut to those that by_loading ranks first.
   void keep(const Branch& b) {
-    if (only_.branches == 0) {
-      r_.branches.push_back(b);
-      return;
-    }
-    if (b.shunt()) return;
-    // Most branches are plainly below the kept ones: the squares tell so
-    // without the exact loading (the margin covers their rounding).
-    constexpr double kBelow = 1 - 1e-9;
-    const double squared = std::max(b.pij * b.pij + b.qij * b.qij, b.pji * b.pji + b.qji * b.qji);
-    if (r_.branches.size() == only_.branches && squared < lowest_ * lowest_ * kBelow) return;
-    const double s = b.loading();
-    if (!std::isfinite(s)) return;
-    if (r_.branches.size() < only_.branches) {
-      r_.branches.push_back(b);
-      loadings_.push_back(s);
-      lowest_ = *std::min_element(loadings_.begin(), loadings_.end());
-      return;
-    }
-    std::size_t last = 0;  // the last ranked so far: the lowest loading, the latest of equal ones
-    for (std::size_t k = 1; k < loadings_.size(); ++k)
-      if (loadings_[k] <= loadings_[last]) last = k;
-    if (s <= loadings_[last]) return;
-    r_.branches.erase(r_.branches.begin() + static_cast<std::ptrdiff_t>(last));
-    loadings_.erase(loadings_.begin() + static_cast<std::ptrdiff_t>(last));
     r_.branches.push_back(b);
-    loadings_.push_back(s);
-    lowest_ = *std::min_element(loadings_.begin(), loadings_.end());
+    if (only_.branches != 0 && r_.branches.size() >= only_.branches + kBatch) keep_most_loaded();
+  }
+
+  // Cuts the branches kept to the only_.branches that by_loading ranks
+  // first, in the order of the reports, so that it ranks them the same way
+  // again later.
+  void keep_most_loaded() {
+    std::vector<bool> ranked(r_.branches.size(), false);
+    for (const Branch* b : by_loading(r_, only_.branches))
+      ranked[static_cast<std::size_t>(b - r_.branches.data())] = true;
+    std::size_t n = 0;
+    for (std::size_t k = 0; k < r_.branches.size(); ++k)
+      if (ranked[k]) r_.branches[n++] = r_.branches[k];
+    r_.branches.resize(n);
   }
 
   // Generator report lines stand in the order of the rows as read, without
@@ -578,9 +567,8 @@ class Reader {
 
   std::string stem_;
   CaseResults& r_;
-  const SummaryOnly& only_;       // what the caller lets the reading leave out
-  std::vector<double> loadings_;  // of the branches kept, when only some are
-  double lowest_ = 0;             // the lowest of them
+  static constexpr std::size_t kBatch = 256;  // branches read between two cuts
+  const SummaryOnly& only_;                   // what the caller lets the reading leave out
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
   std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
