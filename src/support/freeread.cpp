@@ -14,15 +14,15 @@ namespace lf {
 
 bool FreeReader::open(const std::string& path) {
   close();
-  if (!read_whole_file(path, data_)) return false;
+  if (!file_.load(path)) return false;
   open_ = true;
   // A UTF-8 byte-order mark in front of the first line is no part of it.
-  if (data_.compare(0, 3, "\xEF\xBB\xBF") == 0) pos_ = 3;
+  if (file_.text().starts_with("\xEF\xBB\xBF")) pos_ = 3;
   return true;
 }
 
 void FreeReader::close() {
-  data_.clear();
+  file_.clear();
   pos_ = 0;
   lineno_ = 0;
   eof_ = false;
@@ -30,14 +30,14 @@ void FreeReader::close() {
 }
 
 bool FreeReader::next_line(std::string_view& out) {
-  out = {};
+  const std::string_view text = file_.text();
   if (!open_) return false;
-  if (pos_ >= data_.size()) {
+  if (pos_ >= text.size()) {
     eof_ = true;
     return false;
   }
-  const char* first = data_.data() + pos_;
-  const auto left = data_.size() - pos_;
+  const char* first = text.data() + pos_;
+  const auto left = text.size() - pos_;
   const auto* newline = static_cast<const char*>(std::memchr(first, '\n', left));
   std::size_t n = newline != nullptr ? static_cast<std::size_t>(newline - first) : left;
   pos_ += n + 1;
@@ -62,12 +62,14 @@ bool FreeReader::line(std::string& out) {
 namespace {
 
 // What a character is to the reader, one bit each: a blank (space, tab),
-// or any character that ends a value (a blank, a comma, a slash).
-constexpr unsigned char kBlank = 1, kEnds = 2;
+// any character that ends a value (a blank, a comma, a slash), and a star,
+// which ends the repeat count in front of a value.
+constexpr unsigned char kBlank = 1, kEnds = 2, kStar = 4;
 constexpr std::array<unsigned char, 256> kClass = [] {
   std::array<unsigned char, 256> c{};
   c[' '] = c['\t'] = kBlank | kEnds;
   c[','] = c['/'] = kEnds;
+  c['*'] = kStar;
   return c;
 }();
 
@@ -76,6 +78,10 @@ bool is_blank(char c) {
 }
 bool ends_value(char c) {
   return (kClass[static_cast<unsigned char>(c)] & kEnds) != 0;
+}
+// Where a plain text stops: at the end of the value or at a star.
+bool ends_text(char c) {
+  return (kClass[static_cast<unsigned char>(c)] & (kEnds | kStar)) != 0;
 }
 bool is_digit(char c) {
   return c >= '0' && c <= '9';
@@ -159,10 +165,14 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
 }
 
 // Takes the plain value at p (not blank) into its item: a number that
-// converts quickly, or a text without quote or star that does not start with
-// a slash or comma, either up to a separator or the line's end.  Gives the end of the value, or
-// nullptr when the value is not of that kind and the item is left alone.
-const char* plain(const ReadItem& it, const char* p, const char* last) {
+// converts quickly; or for a text item a text without star that does not
+// start with a slash or comma, up to a separator or the line's end, or a
+// text between quotes on this line without doubled quotes.  Gives the end
+// of the value, or nullptr when the value is not of that kind and the item
+// is left alone.  Inlined into both of the reader's loops, which spend most
+// of their time in it.
+[[gnu::always_inline]] inline const char* plain(const ReadItem& it, const char* p,
+                                                const char* last) {
   const auto ends = [&](const char* q) { return q == last || ends_value(*q); };
   // One digit alone, most numbers of a case, needs no conversion.
   const unsigned digit = static_cast<unsigned char>(*p) - unsigned{'0'};
@@ -174,7 +184,7 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
         return p + 1;
       }
       int32_t v = 0;
-      const char* q = quick_int(p, last, v);
+      const char* q = quick_int_padded(p, last, v);
       if (q == nullptr || !ends(q)) return nullptr;
       *static_cast<int32_t*>(it.p) = v;
       return q;
@@ -187,7 +197,7 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
       // A number of many digits converts in the C++ library's correctly
       // rounded way when the value is a normal one.
       double v = 0;
-      const char* q = quick_real(p, last, v, Exponents::EorD);
+      const char* q = quick_real_padded(p, last, v, Exponents::EorD);
       if (q == nullptr) {
         const auto [ptr, ec] = std::from_chars(past_plus(p, last), last, v);
         q = ec == std::errc() && std::isnormal(v) ? ptr : nullptr;
@@ -198,15 +208,37 @@ const char* plain(const ReadItem& it, const char* p, const char* last) {
     }
     case ReadItem::Kind::Chars:
     case ReadItem::Kind::String: {
-      if (*p == '\'' || *p == '"' || *p == ',' || *p == '/') return nullptr;
+      const char quote = *p;
+      if (quote == '\'' || quote == '"') {
+        const auto* close = static_cast<const char*>(
+            std::memchr(p + 1, quote, static_cast<std::size_t>(last - p - 1)));
+        if (close == nullptr || (close + 1 != last && close[1] == quote)) return nullptr;
+        store(it, std::string_view(p + 1, static_cast<std::size_t>(close - p - 1)), true);
+        return close + 1;
+      }
+      if (quote == ',' || quote == '/') return nullptr;
       const char* q = p;
-      for (; q != last && !ends_value(*q); ++q)
-        if (*q == '*') return nullptr;
+      for (; q != last && !ends_text(*q); ++q) {
+      }
+      if (q != last && *q == '*') return nullptr;
       store(it, std::string_view(p, static_cast<std::size_t>(q - p)), false);
       return q;
     }
   }
   return nullptr;
+}
+
+// The separator behind a value at p: blanks and at most one comma, on this
+// line, and the blanks behind the comma; gives where the next value starts,
+// or the end of the line.
+[[gnu::always_inline]] inline const char* past_separator(const char* p, const char* end) {
+  if (end - p > 1 && *p == ' ' && !ends_value(p[1])) return p + 1;  // one blank, the common case
+  while (p != end && is_blank(*p)) ++p;
+  if (p != end && *p == ',') {
+    ++p;
+    while (p != end && is_blank(*p)) ++p;
+  }
+  return p;
 }
 
 }  // namespace
@@ -216,8 +248,25 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   bad_text_.clear();
   std::string_view line;
   if (!next_line(line)) return false;
-  const char* p = line.data();  // the scan in the present line
-  const char* end = p + line.size();
+  const char* p = line.data();
+  const char* const end = p + line.size();
+  // The common statement: plain values on one line, taken one after the
+  // other while they last; the first one that is not (or the end of the
+  // line) leaves the rest to every rule.
+  while (p != end && is_blank(*p)) ++p;
+  const std::size_t n = items.size();
+  std::size_t k = 0;
+  for (; k != n && p != end; ++k) {
+    const char* after = plain(items[k], p, end);
+    if (after == nullptr) break;
+    p = past_separator(after, end);
+  }
+  item_ = k;
+  return k == n || read_rest(items, p, end);
+}
+
+bool FreeReader::read_rest(std::span<const ReadItem> items, const char* p, const char* end) {
+  std::string_view line;
   const auto take_line = [&] {
     if (!next_line(line)) return false;
     p = line.data();
@@ -232,26 +281,12 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       if (!take_line()) return false;
     }
   };
-  // The separator behind a value: blanks and at most one comma, on this
-  // line, and the blanks behind the comma, so that the next value starts
-  // at p unless the line has ended.
-  const auto skip_separator = [&] {
-    if (end - p > 1 && *p == ' ' && !ends_value(p[1])) {  // one blank, the common case
-      ++p;
-      return;
-    }
-    while (p != end && is_blank(*p)) ++p;
-    if (p != end && *p == ',') {
-      ++p;
-      while (p != end && is_blank(*p)) ++p;
-    }
-  };
 
   std::string_view value;
   std::string quoted_text;  // a quoted value, its doubled quotes made single
   bool quoted = false, null = false;
   long repeat = 0;  // values still to hand out from the last r*value
-  for (const ReadItem& it : items) {
+  for (const ReadItem& it : items.subspan(item_)) {
     ++item_;
     if (repeat == 0) {
       if ((p == end || is_blank(*p)) && !skip_blanks()) return false;
@@ -260,8 +295,7 @@ bool FreeReader::read(std::span<const ReadItem> items) {
       // A slash, a quote, a null, a star or a number that needs the full
       // conversion leaves it to the rules below.
       if (const char* after = plain(it, p, end)) {
-        p = after;
-        skip_separator();
+        p = past_separator(after, end);
         continue;
       }
       if (*p == '/') return true;
@@ -320,7 +354,7 @@ bool FreeReader::read(std::span<const ReadItem> items) {
           value = std::string_view(start, static_cast<std::size_t>(p - start));
         }
       }
-      skip_separator();
+      p = past_separator(p, end);
     }
     --repeat;
     if (!null && !store(it, value, quoted)) {

@@ -18,6 +18,7 @@
 #include <string_view>
 
 #include "support/arr.hpp"
+#include "support/wholefile.hpp"
 
 namespace lf {
 
@@ -49,7 +50,7 @@ class FreeReader {
   bool is_open() const { return open_; }
   // The whole file as taken in, a byte-order mark included; empty when none
   // is open.
-  std::string_view text() const { return data_; }
+  std::string_view text() const { return file_.text(); }
   void close();
 
   // One read statement over the given items.
@@ -76,8 +77,11 @@ class FreeReader {
 
  private:
   bool next_line(std::string_view& out);
-  std::string data_;     // the whole file
-  std::size_t pos_ = 0;  // start of the next line in data_
+  // The items from items[item_] on by every rule, from p in the present
+  // line [p, end).
+  bool read_rest(std::span<const ReadItem> items, const char* p, const char* end);
+  WholeFile file_;       // the whole file, with slack behind it
+  std::size_t pos_ = 0;  // start of the next line in file_
   bool open_ = false;
   long lineno_ = 0;
   bool eof_ = false;

@@ -1,7 +1,7 @@
 // Quick exact conversion of the numbers of text files, in place and without
 // the C library.
 //
-// Both functions read a number at the start of [first, last) and give the
+// The functions read a number at the start of [first, last) and give the
 // end of what they took, or nullptr when the text there is not of the plain
 // form or needs the full conversion (more than 19 digits, a power of ten
 // outside 10^-22..10^22); then nothing is written and the caller converts
@@ -39,6 +39,22 @@ inline const char* digits_into(const char* p, const char* last, uint64_t& w) {
     w = w * 10 + d;
   }
   return p;
+}
+
+// The digits from p on, taken into w; gives the end of the digits.  With
+// kPadded the byte at last is known to be no digit, and the scan needs no
+// bound.
+template <bool kPadded>
+inline const char* digits_of(const char* p, const char* last, uint64_t& w) {
+  if constexpr (!kPadded) {
+    return digits_into(p, last, w);
+  } else {
+    for (;; ++p) {
+      const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};
+      if (d > 9) return p;
+      w = w * 10 + d;
+    }
+  }
 }
 
 // 5^k for k up to kMostPow10, exact in 64 bits.
@@ -80,49 +96,48 @@ inline double long_decimal(uint64_t w, int scale) {
   return std::bit_cast<double>((biased << 52) + m - (uint64_t{1} << 52));
 }
 
-}  // namespace numparse
-
 // An optional sign, digits with at most one point among them (at least one
 // digit), and optionally an exponent letter, an optional sign and digits.
 // Taken when it has at most 19 digits and its power of ten is within
 // 10^-22..10^22, correctly rounded: digits that form an integer of at most
 // 2^53 by one exact operation on two exact doubles, more by exact integer
 // arithmetic.  A zero is taken with any short exponent.
-inline const char* quick_real(const char* p, const char* last, double& value,
-                              Exponents exponents = Exponents::E) {
-  const bool negative = p != last && *p == '-';
-  if (p != last && (*p == '-' || *p == '+')) ++p;
+template <bool kPadded>
+inline const char* real(const char* p, const char* last, double& value, Exponents exponents) {
+  const auto in = [last](const char* q) { return kPadded || q != last; };
+  const bool negative = in(p) && *p == '-';
+  if (in(p) && (*p == '-' || *p == '+')) ++p;
   const char* start = p;
   uint64_t w = 0;  // the digits as an integer
-  p = numparse::digits_into(p, last, w);
+  p = digits_of<kPadded>(p, last, w);
   std::ptrdiff_t digits = p - start;  // leading zeros included
   std::ptrdiff_t scale = 0;           // power of ten of the last digit
-  if (p != last && *p == '.') {
+  if (in(p) && *p == '.') {
     const char* fraction = ++p;
-    p = numparse::digits_into(p, last, w);
+    p = digits_of<kPadded>(p, last, w);
     digits += p - fraction;
     scale = fraction - p;
   }
-  if (digits == 0 || digits > numparse::kMostDigits) return nullptr;
-  if (p != last &&
+  if (digits == 0 || digits > kMostDigits) return nullptr;
+  if (in(p) &&
       (*p == 'e' || *p == 'E' || (exponents == Exponents::EorD && (*p == 'd' || *p == 'D')))) {
     ++p;
-    const bool down = p != last && *p == '-';
-    if (p != last && (*p == '-' || *p == '+')) ++p;
+    const bool down = in(p) && *p == '-';
+    if (in(p) && (*p == '-' || *p == '+')) ++p;
     uint64_t e = 0;
-    const char* end = numparse::digits_into(p, last, e);
-    if (end == p || end - p > numparse::kMostExponentDigits) return nullptr;
+    const char* end = digits_of<kPadded>(p, last, e);
+    if (end == p || end - p > kMostExponentDigits) return nullptr;
     p = end;
     scale += down ? -static_cast<std::ptrdiff_t>(e) : static_cast<std::ptrdiff_t>(e);
   }
   double x = 0;
   if (w != 0) {
-    if (scale < -numparse::kMostPow10 || scale > numparse::kMostPow10) return nullptr;
-    if (w > numparse::kExact)
-      x = numparse::long_decimal(w, static_cast<int>(scale));
+    if (scale < -kMostPow10 || scale > kMostPow10) return nullptr;
+    if (w > kExact)
+      x = long_decimal(w, static_cast<int>(scale));
     else
-      x = scale < 0 ? static_cast<double>(w) / numparse::kPow10[-scale]
-                    : static_cast<double>(w) * numparse::kPow10[scale];
+      x = scale < 0 ? static_cast<double>(w) / kPow10[-scale]
+                    : static_cast<double>(w) * kPow10[scale];
   }
   value = negative ? -x : x;
   return p;
@@ -130,24 +145,53 @@ inline const char* quick_real(const char* p, const char* last, double& value,
 
 // An optional sign and digits; nullptr also when the value does not fit in
 // 32 bits.
-inline const char* quick_int(const char* p, const char* last, int32_t& value) {
+template <bool kPadded>
+inline const char* integer(const char* p, const char* last, int32_t& value) {
+  const auto in = [last](const char* q) { return kPadded || q != last; };
   constexpr uint64_t kMost = uint64_t{1} << 31;  // the magnitude of INT32_MIN
   constexpr std::ptrdiff_t kShort = 9;           // digits that always fit
   constexpr std::ptrdiff_t kMostDigits32 = 10;   // digits of kMost
-  const bool negative = p != last && *p == '-';
-  if (p != last && (*p == '-' || *p == '+')) ++p;
+  const bool negative = in(p) && *p == '-';
+  if (in(p) && (*p == '-' || *p == '+')) ++p;
   const char* start = p;
   uint64_t v = 0;
-  const char* end = numparse::digits_into(p, last, v);
+  const char* end = digits_of<kPadded>(p, last, v);
   if (end == start) return nullptr;
   if (end - start > kShort) {  // long: its leading zeros do not count
     while (p != end && *p == '0') ++p;
     v = 0;
-    if (numparse::digits_into(p, end, v) - p > kMostDigits32 || v > kMost - (negative ? 0 : 1))
+    if (digits_into(p, end, v) - p > kMostDigits32 || v > kMost - (negative ? 0 : 1))
       return nullptr;
   }
   value = static_cast<int32_t>(negative ? -static_cast<int64_t>(v) : static_cast<int64_t>(v));
   return end;
+}
+
+}  // namespace numparse
+
+// An optional sign, digits with at most one point among them (at least one
+// digit), and optionally an exponent letter, an optional sign and digits;
+// see numparse::real.
+inline const char* quick_real(const char* p, const char* last, double& value,
+                              Exponents exponents = Exponents::E) {
+  return numparse::real<false>(p, last, value, exponents);
+}
+
+// An optional sign and digits; nullptr also when the value does not fit in
+// 32 bits.
+inline const char* quick_int(const char* p, const char* last, int32_t& value) {
+  return numparse::integer<false>(p, last, value);
+}
+
+// The same for a text whose byte at last may be read and is none of a
+// number's characters (a line end, or the zeros behind a file's text): the
+// scan needs no bound checks.
+inline const char* quick_real_padded(const char* p, const char* last, double& value,
+                                     Exponents exponents = Exponents::E) {
+  return numparse::real<true>(p, last, value, exponents);
+}
+inline const char* quick_int_padded(const char* p, const char* last, int32_t& value) {
+  return numparse::integer<true>(p, last, value);
 }
 
 }  // namespace lf
