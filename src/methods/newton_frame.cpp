@@ -35,6 +35,10 @@ NewtonWork& newton_work() {
   return w;
 }
 
+void release_factors() {
+  NWORK.factors = BlockStore{};
+}
+
 namespace {
 
 // The Jacobian's blocks by position, as jacobian_sink with `first` wrote them.
