@@ -30,14 +30,12 @@ void group_by(int32_t keys, std::vector<int32_t>& start, std::vector<Link>& out,
 // The first position right of the diagonal in row r of the matrix, the end
 // of the row when there is none.
 int32_t upper_from(const BlockPattern& A, int32_t r) {
-  const int32_t up = A.chains->upfirst[r];
-  return up != 0 ? up : A.ia[r + 1];
+  return A.chains->upfirst[r];
 }
 
 // Calls put(c, row, p) for each entry of the matrix on and below the
-// diagonal, row by row: the entries of the column chains of adlink7l, each
-// column's in the order its chain runs (ascending row), read in the order
-// they are stored.
+// diagonal, row by row in the order they are stored, so that each column's
+// entries come in ascending row.
 template <typename Put>
 void each_lower(const BlockPattern& A, Put&& put) {
   for (int32_t r = 1; r <= A.n; ++r)
@@ -170,8 +168,8 @@ void lay_out_above(const std::vector<int32_t>& place, BlockStore& f) {
 }
 
 // Lays out the matrix's entries that each column's step loads, by the place
-// of the column: first those on and below the diagonal of the column as its
-// chain runs, then those right of the diagonal of its row; with the place of
+// of the column: first those on and below the diagonal of the column by
+// ascending row, then those right of the diagonal of its row; with the place of
 // each in value_at and room for their blocks in low.
 void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, BlockStore& f) {
   const auto at = [&](int32_t i) { return place[static_cast<std::size_t>(i)]; };
