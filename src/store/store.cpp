@@ -87,7 +87,7 @@ LPRec L6P = sized<LPRec>(kCapLoad);
 L6PPRec L6PP = sized<L6PPRec>(kCapLoad);
 L7Rec L7 = sized<L7Rec>(kCapArea);
 LL7Rec LL7 = sized<LL7Rec>(kCapArea);
-L10Rec L10 = sized<L10Rec>(kCapFactor);
+L10Rec L10;  // growable: sized by the reading of the factor records
 ABCLCRec ABCLC = sized<ABCLCRec>(kCapLoadPar);
 L13Rec L13 = sized<L13Rec>(kCapSwitch);
 NNTOONRec NNTOON = sized<NNTOONRec>(kCapBus);

@@ -58,6 +58,7 @@ class Scaling : public ::testing::Test {
   void factor(int32_t area, double kv, const char* name1, double pg, double qg, double pl,
               double ql) {
     const int32_t k = ++LF93.ctrl_fact;
+    L10.grow(static_cast<std::size_t>(k));
     L10.area[k] = area;
     L10.kv[k] = kv;
     L10.name1[k] = name1;
