@@ -68,7 +68,8 @@ int32_t MARKL23 = 0;
 int32_t CL23 = 0;
 int32_t UPCLF = 0;
 
-L1Rec L1 = sized<L1Rec>(kCapBus);
+L1Rec L1;  // growable: sized by the reading of the buses (grow_buses), since its
+           // blank-padded names would otherwise be written for kCapBus buses at start-up
 LL1Rec LL1 = sized<LL1Rec>(kCapBus);
 IJRec IJB = sized<IJRec>(kCapBranch);
 IJRec IJC = sized<IJRec>(kCapBranch);

@@ -45,6 +45,7 @@ class Scaling : public ::testing::Test {
     LFINF.nload = 2;
     const double kv[] = {220.0, 230.0, 110.0, 110.0};
     const int32_t area[] = {1, 2, 3, 1};
+    grow_buses(4);
     for (int32_t b = 1; b <= 4; ++b) {
       L1.busname[b] = "BUS" + std::to_string(b);
       LL1.basekv[b] = kv[b - 1];
