@@ -51,23 +51,23 @@ struct RowPattern {
 };
 
 // The pattern found without values.  Row i of U, and column i of L at the
-// same positions, holds the columns right of i of the matrix's row i and the
-// rows below i of its column i, and the fill that the elimination of the
-// earlier rows with an entry in column i brings: the columns right of i of
-// those rows.  The rows whose parent is i are enough, as each such earlier
-// row has handed its columns on to its parent, and so on up to row i.
+// same positions, holds the columns right of i of the matrix's row i (which,
+// the pattern being structurally symmetric, are the rows below i of its
+// column i), and the fill that the elimination of the earlier rows with an
+// entry in column i brings: the columns right of i of those rows.  The rows
+// whose parent is i are enough, as each such earlier row has handed its
+// columns on to its parent, and so on up to row i.
 RowPattern symbolic(const BlockPattern& A) {
   const int32_t n = A.n;
   const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  // The matrix's rows below the diagonal of each column.
-  std::vector<int32_t> lstart;
-  std::vector<Link> lower;
-  group_by(n, lstart, lower, [&](auto&& put) { each_lower(A, put); });
   RowPattern f;
   f.iu.assign(rows + 1, 0);
   f.parent.assign(rows, 0);
-  // The factor holds at least the matrix's own entries; fill-in grows it.
-  f.ju.reserve(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1);
+  // The rows hold the diagonal and the part right of it, about half the
+  // matrix's entries, and the fill-in: room for the whole matrix and one
+  // more per row covers the fill of networks (a tenth or so above the
+  // matrix), so that the pattern is seldom copied into twice the room.
+  f.ju.reserve((n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1) + rows);
   f.ju.push_back(0);  // positions count from 1
   // Per row: the first of its children and the next child of its parent.
   std::vector<int32_t> child(rows, 0), sibling(rows, 0), mark(rows, 0), cols;
@@ -80,8 +80,6 @@ RowPattern symbolic(const BlockPattern& A) {
       mark[static_cast<std::size_t>(j)] = i;
       cols.push_back(j);
     };
-    for (int32_t t = lstart[ii]; t < lstart[ii + 1]; ++t)
-      if (const int32_t r = lower[static_cast<std::size_t>(t)].row; r != i) add(r);
     for (int32_t p = upper_from(A, i); p < A.ia[i + 1]; ++p) add(A.ja[p]);
     for (int32_t k = child[ii]; k != 0; k = sibling[static_cast<std::size_t>(k)]) {
       const std::size_t kk = static_cast<std::size_t>(k);
