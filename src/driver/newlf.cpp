@@ -163,6 +163,7 @@ void newlf(int32_t& convergent) {
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
+  release_factors();
 
   // The results, converged or not, to the database or to the report files.
   if (RTDBLSCMN.rtdbmode != 0) {

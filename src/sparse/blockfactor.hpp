@@ -139,8 +139,12 @@ struct BlockStore {
   std::vector<int32_t> value_at;
   // The matrix's blocks by place in the order of loads: copied there by
   // place_values, or written there through load_sink; read by each
-  // factorisation.
-  std::vector<MatrixBlock, HugePageAlloc<MatrixBlock>> low;
+  // factorisation.  Before a factorisation that finds the fill-in, the same
+  // store may hold the blocks by position instead (position_sink), which
+  // that factorisation reads there; the later ones then overwrite them.  It
+  // only grows, and its memory comes zeroed and untouched, so that room the
+  // matrix does not use costs nothing.
+  std::vector<MatrixBlock, ZeroAlloc<MatrixBlock>> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row by place, 1..n: the right-hand side,
   // then the forward and then the backward solution, written and read by the
@@ -163,7 +167,8 @@ struct BlockRhs {
 };
 
 // Factorises the matrix, finding the fill-in: builds the pattern of the
-// factors, its layouts and the values.  A pivot block whose determinant is at
+// factors, its layouts and the values, reading the blocks of v by position
+// (they may stand in f.low, written through position_sink).  A pivot block whose determinant is at
 // most 1e-20 in size gets the determinant +-1e-20.  With rhs, also the
 // forward part of the solution with it.
 void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f, const BlockRhs* rhs);
@@ -171,6 +176,12 @@ void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f, const 
 // Where a matrix of the pattern that nonsym74 laid out in f puts its blocks
 // for nonsym74o: straight into f.low.
 BlockSink load_sink(BlockStore& f);
+
+// Where a matrix of up to `positions` positions puts its blocks by position
+// for nonsym74 with the values {f.low.data()}: into f.low itself, so that
+// the blocks by position and the blocks in the order of the factorisation
+// share one store.  f.low grows to hold them; it moves only here.
+BlockSink position_sink(BlockStore& f, int32_t positions);
 
 // Copies the blocks of a matrix of the pattern laid out in f, given by
 // position, into f.low for nonsym74o.

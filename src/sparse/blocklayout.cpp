@@ -183,7 +183,9 @@ void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, Blo
   f.value_at.assign((A.n > 0 ? static_cast<std::size_t>(A.ia[A.n + 1]) : 1) + kSinkAhead, 0);
   for (std::size_t t = 0; t < f.loads.size(); ++t)
     f.value_at[static_cast<std::size_t>(f.loads[t].pos)] = static_cast<int32_t>(t) + 1;
-  f.low.resize(f.loads.size() + 1);
+  // Each position is loaded at most once, so a store that holds the blocks
+  // by position (position_sink) is large enough already and stays in place.
+  if (f.low.size() < f.loads.size() + 1) f.low.resize(f.loads.size() + 1);
 }
 
 }  // namespace
