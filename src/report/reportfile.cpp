@@ -54,20 +54,12 @@ void ReportFile::text(std::string_view s) {
 }
 
 void ReportFile::ints(std::initializer_list<long long> v, int w) {
-  char* p = room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
-  for (long long x : v) {
-    p = put_i(p, x, w);
-    *p++ = ',';
-  }
+  char* p = put_i(room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1)), v, w, ',');
   used_ = static_cast<std::size_t>(p - buf_.get());
 }
 
 void ReportFile::reals(std::initializer_list<double> v, int w, int d) {
-  char* p = room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
-  for (double x : v) {
-    p = put_f(p, x, w, d);
-    *p++ = ',';
-  }
+  char* p = put_f(room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1)), v, w, d, ',');
   used_ = static_cast<std::size_t>(p - buf_.get());
 }
 

@@ -69,6 +69,62 @@ const char* past_blanks(const char* p, const char* end) {
   return p;
 }
 
+// The first comma from p on, or end; eight characters at a time while
+// eight are left.
+const char* next_comma(const char* p, const char* end) {
+  constexpr uint64_t kCommas = 0x2c2c2c2c2c2c2c2cu, kOnes = 0x0101010101010101u;
+  constexpr uint64_t kHighs = 0x8080808080808080u;
+  constexpr bool kLowFirst = std::endian::native == std::endian::little;  // byte order
+  for (; kLowFirst && end - p >= 8; p += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, sizeof word);
+    const uint64_t x = word ^ kCommas;  // a zero byte where a comma stands
+    if (const uint64_t zero = (x - kOnes) & ~x & kHighs; zero != 0)
+      return p + std::countr_zero(zero) / 8;
+  }
+  while (p != end && *p != ',') ++p;
+  return p;
+}
+
+// More than the magnitude of a field from p on, read from its text alone:
+// its whole part plus one when it is a plain decimal (blanks, a sign,
+// digits with at most one point among them, blanks, a comma), else
+// infinity.  p moves past the comma.
+double magnitude_bound(const char*& p, const char* end) {
+  constexpr int kMostWholeDigits = 15;  // whole parts exact in a double
+  p = past_blanks(p, end);
+  if (p != end && (*p == '-' || *p == '+')) ++p;
+  const char* first = p;
+  uint64_t whole = 0;
+  p = lf::numparse::digits_into(p, end, whole);
+  bool plain = p - first <= kMostWholeDigits;
+  if (p != end && *p == '.') {
+    uint64_t fraction = 0;  // not used: the digits are only passed over
+    p = lf::numparse::digits_into(p + 1, end, fraction);
+  }
+  p = past_blanks(p, end);
+  plain = plain && p != end && *p == ',';
+  if (p != end) ++p;
+  return plain ? static_cast<double>(whole) + 1 : HUGE_VAL;
+}
+
+// Whether the loading of a branch report line (the fourth to seventh fields
+// the powers at its two ends) may reach `least`: false only when the text
+// of the powers shows that both ends stay below it.
+bool may_reach(std::string_view line, double least) {
+  constexpr double kMargin = 1e-9;  // for the rounding of the squares
+  const char *p = line.data(), *end = p + line.size();
+  for (int k = 0; k < 3; ++k) {
+    p = next_comma(p, end);
+    if (p == end) return true;
+    ++p;
+  }
+  double b[4];
+  for (double& x : b) x = magnitude_bound(p, end);
+  const double limit = least * least * (1 - kMargin);
+  return !(b[0] * b[0] + b[1] * b[1] < limit && b[2] * b[2] + b[3] * b[3] < limit);
+}
+
 // A report file read a piece at a time and handed out a line at a time,
 // each line split into its fields: the text between commas outside quotes,
 // without the quotes, carriage returns and the blanks at either end.  The
@@ -130,6 +186,9 @@ class ReportLines {
     split();
     return bounds_.size();
   }
+  // The present line when it stands as in the file (no quotes nor carriage
+  // returns to take out), else empty.
+  std::string_view plain() const { return split_ ? std::string_view() : line_; }
   std::vector<std::string> fields() {
     std::vector<std::string> out;
     for (std::size_t k = 0; k < size(); ++k) out.emplace_back((*this)[k]);
@@ -438,6 +497,7 @@ class Reader {
   // does not read is no number.
   void read_branches(const char* ext, bool transformer) {
     for (ReportLines f(stem_ + ext); f.next();) {
+      if (least_ > 0 && !may_reach(f.plain(), least_)) continue;  // cannot be ranked first
       Branch b;
       b.transformer = transformer;
       bool fields = true, ends = true, powers[6];
@@ -475,6 +535,9 @@ class Reader {
     for (std::size_t k = 0; k < r_.branches.size(); ++k)
       if (ranked[k]) r_.branches[n++] = r_.branches[k];
     r_.branches.resize(n);
+    if (n < only_.branches) return;
+    least_ = HUGE_VAL;
+    for (const Branch& b : r_.branches) least_ = std::min(least_, b.loading());
   }
 
   // Generator report lines stand in the order of the rows as read, without
@@ -567,8 +630,11 @@ class Reader {
 
   std::string stem_;
   CaseResults& r_;
-  static constexpr std::size_t kBatch = 256;  // branches read between two cuts
-  const SummaryOnly& only_;                   // what the caller lets the reading leave out
+  static constexpr std::size_t kBatch = 32;  // branches kept between two cuts
+  // With only_.branches above 0 and that many kept: the least loading among
+  // them, which a further branch must reach to be kept.  0 before.
+  double least_ = 0;
+  const SummaryOnly& only_;  // what the caller lets the reading leave out
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
   std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
