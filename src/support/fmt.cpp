@@ -103,8 +103,15 @@ bool scaled_round(double v, int d, uint64_t& q) {
 // The eight decimal digits of x < 10^8, leading zeros included, as the
 // bytes of a word, the first digit in the lowest byte, each byte the
 // digit's value 0..9: all at once by splitting the word into halves,
-// quarters and eighths, each step a multiplication by a reciprocal.
+// quarters and eighths, each step a multiplication by a reciprocal.  Below
+// 10^4 (short numbers are common) the first half is known to be zeros.
 [[gnu::always_inline]] inline uint64_t eight_digits(uint32_t x) {
+  if (x < 10000) {
+    const uint64_t hundreds = (x * uint64_t{5243}) >> 19;             // x / 100
+    const uint64_t quarters = hundreds | (x - 100 * hundreds) << 16;  // below 100
+    const uint64_t tens = ((quarters * 103) >> 10) & 0x000F000Fu;     // each quarter / 10
+    return (tens | (quarters - 10 * tens) << 8) << 32;
+  }
   const uint64_t halves = x / 10000 | static_cast<uint64_t>(x % 10000) << 32;  // below 10^4
   const uint64_t hundreds = ((halves * 10486) >> 20) & 0x0000007F0000007Fu;    // each half / 100
   const uint64_t quarters = hundreds | (halves - 100 * hundreds) << 16;        // below 100
@@ -175,37 +182,17 @@ char* stars(char* f, int width) {
   return f;
 }
 
-// Leading zero digits of a word of digit bytes (the first digit lowest).
-int leading_zeros(uint64_t digits) {
-  return digits == 0 ? 8 : std::countr_zero(digits) / 8;
-}
-int leading_zeros(unsigned __int128 digits) {
-  const auto high = static_cast<uint64_t>(digits);  // the first eight digits
-  return high != 0 ? leading_zeros(high) : 8 + leading_zeros(static_cast<uint64_t>(digits >> 64));
-}
-
-// Fw.d, in the short case, of the value q * 10^-d (negative when neg),
-// whose digits, leading zeros included, are the bytes of `digits` (a word
-// of eight or sixteen), d below their number.  The digits go into a buffer
-// whole, the decimals again one place on behind the point; blanks fill what
-// is left of the field.
-template <typename Word>
-[[gnu::always_inline]] inline char* short_field(char* f, Word digits, bool zero_int, bool neg,
-                                                int w, int d) {
-  constexpr int kDigits = static_cast<int>(sizeof(Word));
-  int int_len = std::max(kDigits - d - leading_zeros(digits), 1);
-  if (zero_int && (neg ? 1 : 0) + 2 + d > w) int_len = 0;  // the lone zero goes
-  if ((neg ? 1 : 0) + int_len + 1 + d > w) return stars(f, w);
-  constexpr int kEnd = 56;  // the field's end in the buffer
-  alignas(16) char t[kEnd + 16];
-  Word text = 0;
-  std::memset(&text, '0', sizeof text);
-  text += digits;
-  std::memcpy(t + kEnd - 1 - kDigits, &text, sizeof text);
-  const Word decimals = text >> (8 * (kDigits - d));
-  std::memcpy(t + kEnd - d, &decimals, sizeof decimals);
-  t[kEnd - 1 - d] = '.';
-  const int start = kEnd - 1 - d - int_len - (neg ? 1 : 0);
+// The end of Fw.d in the short case: the digits placed in the buffer t
+// with the point and the decimals behind it, the field to end at t[kEnd]:
+// blanks and the sign in front of the int_len whole digits (or stars when
+// they do not fit), all copied to f.
+constexpr int kEnd = 56;  // the field's end in the buffer
+[[gnu::always_inline]] inline char* finish_short(char* f, char* t, bool neg, int int_len,
+                                                 bool zero_int, int w, int d) {
+  const int sign = neg ? 1 : 0;
+  if (zero_int && sign + 2 + d > w) int_len = 0;  // the lone zero goes
+  if (sign + int_len + 1 + d > w) return stars(f, w);
+  const int start = kEnd - 1 - d - int_len - sign;
   const uint64_t blanks[4] = {kBlanks, kBlanks, kBlanks, kBlanks};
   std::memcpy(t + start - 32, blanks, 32);
   if (neg) t[start] = '-';
@@ -214,16 +201,44 @@ template <typename Word>
 }
 
 // Fw.d of q * 10^-d for w <= kShortField, 1 <= d <= kMostShortPlaces and
-// q < kSixteenDigits: one word of digits when eight hold them and the
-// point, else two.
+// q < kSixteenDigits.  The digits of q, leading zeros included, are the
+// bytes of words, the first digit lowest: eight in one word when they and
+// the point fit, else sixteen in two.  They go into a buffer whole, each
+// word where its whole-part digits belong and again, shifted, where its
+// decimals do, one place on behind the point.
 [[gnu::always_inline]] inline char* put_f_short(char* f, uint64_t q, bool neg, int w, int d) {
   const bool zero_int = q < kPow10[static_cast<std::size_t>(d)];
-  if (q < kEightDigits && d < 8)
-    return short_field(f, eight_digits(static_cast<uint32_t>(q)), zero_int, neg, w, d);
+  alignas(16) char t[kEnd + 8];
+  if (q < kEightDigits && d < 8) {
+    const uint64_t digits = eight_digits(static_cast<uint32_t>(q));
+    const int zeros = digits != 0 ? std::countr_zero(digits) / 8 : 8;
+    const uint64_t text = digits + kZeros;
+    std::memcpy(t + kEnd - 9, &text, 8);
+    t[kEnd - 1 - d] = '.';
+    const uint64_t decimals = text >> (8 * (8 - d));
+    std::memcpy(t + kEnd - d, &decimals, 8);
+    return finish_short(f, t, neg, std::max(8 - d - zeros, 1), zero_int, w, d);
+  }
   const uint64_t high =
       q >= kEightDigits ? eight_digits(static_cast<uint32_t>(q / kEightDigits)) : 0;
   const uint64_t low = eight_digits(static_cast<uint32_t>(q % kEightDigits));
-  return short_field(f, high | static_cast<unsigned __int128>(low) << 64, zero_int, neg, w, d);
+  const int zeros = high != 0  ? std::countr_zero(high) / 8
+                    : low != 0 ? 8 + std::countr_zero(low) / 8
+                               : 16;
+  const uint64_t first = high + kZeros, last = low + kZeros;
+  std::memcpy(t + kEnd - 17, &first, 8);
+  if (d >= 8) {  // the last eight digits all decimals, the first 16 - d of them whole
+    t[kEnd - 1 - d] = '.';
+    const uint64_t decimals = (first >> (8 * (15 - d))) >> 8;
+    std::memcpy(t + kEnd - d, &decimals, 8);
+    std::memcpy(t + kEnd - 8, &last, 8);
+  } else {  // the first eight all whole, d of the last decimals
+    std::memcpy(t + kEnd - 9, &last, 8);
+    t[kEnd - 1 - d] = '.';
+    const uint64_t decimals = last >> (8 * (8 - d));
+    std::memcpy(t + kEnd - d, &decimals, 8);
+  }
+  return finish_short(f, t, neg, std::max(16 - d - zeros, 1), zero_int, w, d);
 }
 
 // Fw.d for what the exact rounding does not take (not finite, huge, more
@@ -329,24 +344,54 @@ char* put_f(char* f, double v, int w, int d) {
   return put_f_field(f, v, w, d);
 }
 
-char* put_f(char* f, std::initializer_list<double> v, int w, int d, char after) {
+namespace {
+
+// Fields of one width and number of decimals, each followed by `after`;
+// with W and D given at compile time the offsets and shifts of the short
+// case are constants.
+template <int W = -1, int D = -1>
+char* put_f_fields(char* f, std::initializer_list<double> v, int w, int d, char after) {
   for (const double x : v) {
-    f = put_f_field(f, x, w, d);
+    f = put_f_field(f, x, W >= 0 ? W : w, D >= 0 ? D : d);
     *f++ = after;
   }
   return f;
+}
+
+}  // namespace
+
+char* put_f(char* f, std::initializer_list<double> v, int w, int d, char after) {
+  // The fields of the report files.
+  if (w == 10 && d == 5) return put_f_fields<10, 5>(f, v, w, d, after);
+  if (w == 15 && d == 10) return put_f_fields<15, 10>(f, v, w, d, after);
+  if (w == 20 && d == 10) return put_f_fields<20, 10>(f, v, w, d, after);
+  return put_f_fields(f, v, w, d, after);
 }
 
 char* put_i(char* f, long long v, int w) {
   return put_i_field(f, v, w);
 }
 
-char* put_i(char* f, std::initializer_list<long long> v, int w, char after) {
+namespace {
+
+// Fields of one width, each followed by `after`; with W given at compile
+// time the offsets of the short case are constants.
+template <int W = -1>
+char* put_i_fields(char* f, std::initializer_list<long long> v, int w, char after) {
   for (const long long x : v) {
-    f = put_i_field(f, x, w);
+    f = put_i_field(f, x, W >= 0 ? W : w);
     *f++ = after;
   }
   return f;
+}
+
+}  // namespace
+
+char* put_i(char* f, std::initializer_list<long long> v, int w, char after) {
+  // The fields of the report files.
+  if (w == 6) return put_i_fields<6>(f, v, w, after);
+  if (w == 4) return put_i_fields<4>(f, v, w, after);
+  return put_i_fields(f, v, w, after);
 }
 
 void put_f(std::string& out, double v, int w, int d) {

@@ -86,26 +86,86 @@ const char* next_comma(const char* p, const char* end) {
   return p;
 }
 
-// More than the magnitude of a field from p on, read from its text alone:
-// its whole part plus one when it is a plain decimal (blanks, a sign,
-// digits with at most one point among them, blanks, a comma), else
-// infinity.  p moves past the comma.
+// The value of the eight digits at p, when all eight are digits.
+bool eight_digits(const char* p, uint64_t& value) {
+  constexpr uint64_t kZeros = 0x3030303030303030u, kHighNibbles = 0xF0F0F0F0F0F0F0F0u;
+  constexpr uint64_t kToNextTen =
+      0x0606060606060606u;  // carries a byte above '9' out of its nibble
+  uint64_t w = 0;
+  std::memcpy(&w, p, sizeof w);
+  if ((w & kHighNibbles) != kZeros || ((w + kToNextTen) & kHighNibbles) != kZeros) return false;
+  w -= kZeros;                                      // digit values, the first in the lowest byte
+  w = w * 10 + (w >> 8);                            // pairs of digits, in every other byte
+  constexpr uint64_t kPairs = 0x000000FF000000FFu;  // the first and third pair of each half
+  value = ((w & kPairs) * (100 + (uint64_t{1000000} << 32)) +
+           ((w >> 16) & kPairs) * (1 + (uint64_t{10000} << 32))) >>
+          32;
+  return true;
+}
+
+// A plain decimal as the reports write it (a sign, digits, a point,
+// digits) converted with its decimals taken eight at a time, to the value
+// quick_real gives: digits that form an integer of at most 2^53, divided by
+// an exact power of ten.  nullptr for any other text (no point, an
+// exponent, more digits), which quick_real takes.
+const char* report_decimal(const char* p, const char* end, double& value) {
+  constexpr std::ptrdiff_t kMostDigits = 19;
+  const bool negative = p != end && *p == '-';
+  if (negative) ++p;
+  const char* start = p;
+  uint64_t w = 0, eight = 0;
+  p = lf::numparse::digits_into(p, end, w);
+  if (p == end || *p != '.') return nullptr;
+  const char* fraction = ++p;
+  for (; end - p >= 8 && eight_digits(p, eight); p += 8) w = w * 100'000'000 + eight;
+  if (p - start > kMostDigits) return nullptr;  // w may have overflowed
+  p = lf::numparse::digits_into(p, end, w);
+  const std::ptrdiff_t places = p - fraction;
+  if (p - start - 1 > kMostDigits || p - start == 1 || places > lf::numparse::kMostPow10 ||
+      w > lf::numparse::kExact || (p != end && (*p == 'e' || *p == 'E')))
+    return nullptr;
+  const double x = static_cast<double>(w) / lf::numparse::kPow10[places];
+  value = negative ? -x : x;
+  return p;
+}
+
+// Whether [p, end) holds no byte from 0x40 on: neither a letter, which
+// could make a field a number of another form (an exponent, a hexadecimal
+// number, an infinity), nor a byte outside ASCII.
+bool no_letters(const char* p, const char* end) {
+  constexpr uint64_t kHighBits = 0xC0C0C0C0C0C0C0C0u;  // set in every byte from 0x40 on
+  uint64_t any = 0;
+  for (; end - p >= 8; p += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, sizeof word);
+    any |= word;
+  }
+  for (; p != end; ++p) any |= static_cast<unsigned char>(*p);
+  return (any & kHighBits) == 0;
+}
+
+// More than the magnitude of the field from p on, read from its start
+// alone, when the field holds no letter: its whole part and first two
+// decimals, plus 0.01, when it starts (after blanks and a sign) with a
+// digit or a point; such a field is a number only as a plain decimal.
+// Infinity when it starts otherwise.  p moves past the field's comma.
 double magnitude_bound(const char*& p, const char* end) {
-  constexpr int kMostWholeDigits = 15;  // whole parts exact in a double
+  constexpr int kMostWholeDigits = 13;  // hundredths of the whole part exact in a double
   p = past_blanks(p, end);
   if (p != end && (*p == '-' || *p == '+')) ++p;
   const char* first = p;
-  uint64_t whole = 0;
-  p = lf::numparse::digits_into(p, end, whole);
-  bool plain = p - first <= kMostWholeDigits;
+  uint64_t hundredths = 0;
+  p = lf::numparse::digits_into(p, end, hundredths);
+  bool plain = p - first <= kMostWholeDigits && p != end && (p != first || *p == '.');
+  int places = 0;
   if (p != end && *p == '.') {
-    uint64_t fraction = 0;  // not used: the digits are only passed over
-    p = lf::numparse::digits_into(p + 1, end, fraction);
+    for (++p; places < 2 && p != end && static_cast<unsigned>(*p - '0') <= 9; ++p, ++places)
+      hundredths = hundredths * 10 + static_cast<unsigned>(*p - '0');
   }
-  p = past_blanks(p, end);
-  plain = plain && p != end && *p == ',';
+  for (; places < 2; ++places) hundredths *= 10;
+  p = next_comma(p, end);
   if (p != end) ++p;
-  return plain ? static_cast<double>(whole) + 1 : HUGE_VAL;
+  return plain ? static_cast<double>(hundredths + 1) / 100 : HUGE_VAL;
 }
 
 // Whether the loading of a branch report line (the fourth to seventh fields
@@ -119,6 +179,7 @@ bool may_reach(std::string_view line, double least) {
     if (p == end) return true;
     ++p;
   }
+  if (!no_letters(p, end)) return true;
   double b[4];
   for (double& x : b) x = magnitude_bound(p, end);
   const double limit = least * least * (1 - kMargin);
@@ -204,7 +265,11 @@ class ReportLines {
   // field.
   bool take(double& v, bool& ok) {
     return take(
-        v, ok, [](const char* p, const char* e, double& x) { return lf::quick_real(p, e, x); },
+        v, ok,
+        [](const char* p, const char* e, double& x) {
+          const char* end = report_decimal(p, e, x);
+          return end ? end : lf::quick_real(p, e, x);
+        },
         number);
   }
   bool take(int& v, bool& ok) { return take(v, ok, lf::quick_int, integer); }
@@ -473,9 +538,10 @@ class Reader {
     int last = 0;
     for (std::size_t k = 1; f.next(); ++k) {
       int bus = 0;
-      std::string_view field[3];
-      if (!f.take(field[0]) || !f.take(field[1]) || !f.take(field[2])) continue;
-      if (!integer(field[0], bus)) {
+      double v = 0, angle = 0;
+      bool read[3];
+      if (!f.take(bus, read[0]) || !f.take(v, read[1]) || !f.take(angle, read[2])) continue;
+      if (!read[0]) {
         if (connected_.empty()) read_connected();
         bus = last + 1;
         while (bus <= static_cast<int>(r_.buses.size()) &&
@@ -488,7 +554,8 @@ class Reader {
         continue;
       }
       Bus& b = r_.buses[static_cast<std::size_t>(bus - 1)];
-      b.solved = number(field[1], b.v) && number(field[2], b.angle);
+      b.solved = read[1] && read[2];
+      if (b.solved) b.v = v, b.angle = angle;
     }
     return true;
   }
