@@ -36,7 +36,7 @@ struct NewtonWork {
   Arr<double> X1, X2;          // corrections of E and F
   Arr<double> C1, C2;          // the power of the correction alone
   Arr<int32_t> IA, JA;         // the Jacobian by rows
-  BlockChains chains;          // the column chains of the Jacobian, linked with each new pattern
+  BlockChains chains;          // where the Jacobian's rows pass the diagonal, with each new pattern
   // Its block factors, sized by the fill-in they need; their load store
   // (factors.low) also takes the Jacobian's blocks by position when the
   // fill-in is found anew.

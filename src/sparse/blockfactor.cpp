@@ -202,49 +202,11 @@ void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
 }  // namespace
 
 void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch) {
-  const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  const std::size_t ents = n > 0 ? static_cast<std::size_t>(ia[n + 1] - 1) : 0;
-  for (Arr<int32_t>* a : {&ch.chrow, &ch.chpos}) {
-    a->grow(ents);
-    a->clear(ents);
-  }
-  for (Arr<int32_t>* a : {&ch.chfirst, &ch.chfirstrow, &ch.upfirst}) {
-    a->grow(rows);
-    a->clear(rows);
-  }
-  Arr<int32_t>&chrow = ch.chrow, &chpos = ch.chpos, &chfirst = ch.chfirst,
-  &chfirstrow = ch.chfirstrow, &upfirst = ch.upfirst;
-  std::vector<int32_t> last(rows, 0);
+  ch.upfirst.grow(static_cast<std::size_t>(std::max(n, 0)) + 1);
   for (int32_t r = 1; r <= n; ++r) {
-    for (int32_t p = ia[r]; p < ia[r + 1]; ++p) {
-      const int32_t c = ja[p];
-      if (c < r && chfirst[c] == 0) {
-        chfirst[c] = p;
-        chfirstrow[c] = r;
-      }
-      if (int32_t l = last[static_cast<std::size_t>(c)]; l != 0) {
-        chrow[l] = r;
-        chpos[l] = p;
-      }
-      last[static_cast<std::size_t>(c)] = p;
-      if (c == r) {
-        chfirst[r] = p;
-        chfirstrow[r] = r;
-        upfirst[r] = p + 1;
-        break;
-      }
-      if (c > r) {
-        chfirst[r] = 0;
-        upfirst[r] = p;
-        break;
-      }
-    }
-  }
-  for (int32_t c = 1; c <= n; ++c) {
-    if (int32_t l = last[static_cast<std::size_t>(c)]; l != 0) {
-      chrow[l] = chfirstrow[c];
-      chpos[l] = chfirst[c];
-    }
+    int32_t p = ia[r];
+    while (p < ia[r + 1] && ja[p] < r) ++p;
+    ch.upfirst[r] = p < ia[r + 1] && ja[p] == r ? p + 1 : p;
   }
 }
 

@@ -31,7 +31,7 @@
 // they give the same factors to the last bit.
 //
 // The routines take three small views and stores: BlockPattern, the
-// matrix's rows and column chains; BlockValues, its blocks; BlockStore, the
+// matrix's rows and where their upper parts begin; BlockValues, its blocks; BlockStore, the
 // factors with the work memory that their calculation keeps between calls.
 #pragma once
 
@@ -44,21 +44,18 @@
 
 namespace lf {
 
-// The column chains of the matrix on and below the diagonal, as adlink7l
-// links them: for column c, chfirst[c] is the diagonal's position
-// (chfirstrow[c] = c), chpos leads on through the entries below it in
-// ascending row, chrow naming the row of the entry led to, and the last
-// entry leads back to chfirst[c].  upfirst[r] is the position of the first
-// entry right of the diagonal of row r.  All 1-based, written by adlink7l,
-// read by the factorisations.
+// What adlink7l links of the matrix: upfirst[r], the position of the first
+// entry right of the diagonal of row r (1-based, by row 1..n), so that the
+// layout of the factors walks each row's part on and below the diagonal and
+// its part right of it apart.  Written by adlink7l, read by nonsym74.
 struct BlockChains {
-  Arr<int32_t> chrow, chpos;                  // by matrix position
-  Arr<int32_t> chfirst, chfirstrow, upfirst;  // by row or column, 1..n
+  Arr<int32_t> upfirst;
 };
 
 // A view of the matrix's pattern: n block rows, ia[1..n+1] the first
 // position of each row, ja the column of each position (ascending, the
-// diagonal among them), and the chains linked over them.
+// diagonal among them), and where each row's part right of the diagonal
+// begins.
 struct BlockPattern {
   int32_t n = 0;
   const int32_t* ia = nullptr;
@@ -155,7 +152,8 @@ struct BlockStore {
   std::vector<Sum> sol;
 };
 
-// Links the column chains of the matrix (rows ia, columns ja, n rows).
+// Finds where the part right of the diagonal of each row of the matrix
+// begins (rows ia, columns ja, n rows).
 void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch);
 
 // The right-hand sides of a solution that goes along with a factorisation,
@@ -192,7 +190,7 @@ void place_values(const BlockPattern& a, const BlockValues& v, BlockStore& f);
 // change, nothing is added.  rhs as for nonsym74.
 void nonsym74o(const BlockPattern& a, BlockStore& f, const BlockRhs* rhs);
 
-// The whole factorisation in one call, chains included, for a matrix given
+// The whole factorisation in one call, adlink7l included, for a matrix given
 // by its rows alone.
 void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,
             BlockStore& f);
