@@ -32,14 +32,12 @@ ReportFile::~ReportFile() {
   std::fclose(f_);
 }
 
-char* ReportFile::room(std::size_t n) {
-  if (used_ + n > capacity_) {
-    const std::size_t grown = std::max(2 * capacity_, used_ + n);
-    std::unique_ptr<char[]> more(new char[grown]);
-    std::memcpy(more.get(), buf_.get(), used_);
-    buf_ = std::move(more);
-    capacity_ = grown;
-  }
+char* ReportFile::grow(std::size_t n) {
+  const std::size_t grown = std::max(2 * capacity_, used_ + n);
+  std::unique_ptr<char[]> more(new char[grown]);
+  std::memcpy(more.get(), buf_.get(), used_);
+  buf_ = std::move(more);
+  capacity_ = grown;
   return buf_.get() + used_;
 }
 

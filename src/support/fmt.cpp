@@ -166,6 +166,7 @@ constexpr auto kPow10Real = [] {
 // the same way as the exact product's.  False for anything else (near a
 // tie, large, not finite), which the exact rounding takes.
 constexpr double kQuickLimit = 0x1p44;
+static_assert(kQuickLimit < static_cast<double>(kSixteenDigits), "a quick result is short");
 constexpr double kTieMargin = 0x1p-8;
 bool quick_scaled_round(double v, int d, uint64_t& q) {
   const double x = std::fabs(v) * kPow10Real[static_cast<std::size_t>(d)];
@@ -301,7 +302,7 @@ void put_f_slow(std::string& out, double v, int w, int d) {
 [[gnu::always_inline]] inline char* put_f_field(char* f, double v, int w, int d) {
   uint64_t q;
   if (w >= 0 && w <= kShortField && d >= 1 && d <= kMostShortPlaces &&
-      quick_scaled_round(v, d, q) && q < kSixteenDigits)
+      quick_scaled_round(v, d, q))
     return put_f_short(f, q, std::signbit(v), w, d);
   return put_f_exact(f, v, w, d);
 }

@@ -145,27 +145,21 @@ bool no_letters(const char* p, const char* end) {
 }
 
 // More than the magnitude of the field from p on, read from its start
-// alone, when the field holds no letter: its whole part and first two
-// decimals, plus 0.01, when it starts (after blanks and a sign) with a
-// digit or a point; such a field is a number only as a plain decimal.
-// Infinity when it starts otherwise.  p moves past the field's comma.
+// alone, when the field holds no letter: its whole part plus one, when it
+// starts (after blanks and a sign) with a digit or a point; such a field
+// is a number only as a plain decimal.  Infinity when it starts otherwise.
+// p moves past the field's comma.
 double magnitude_bound(const char*& p, const char* end) {
-  constexpr int kMostWholeDigits = 13;  // hundredths of the whole part exact in a double
+  constexpr int kMostWholeDigits = 15;  // whole parts exact in a double
   p = past_blanks(p, end);
   if (p != end && (*p == '-' || *p == '+')) ++p;
   const char* first = p;
-  uint64_t hundredths = 0;
-  p = lf::numparse::digits_into(p, end, hundredths);
-  bool plain = p - first <= kMostWholeDigits && p != end && (p != first || *p == '.');
-  int places = 0;
-  if (p != end && *p == '.') {
-    for (++p; places < 2 && p != end && static_cast<unsigned>(*p - '0') <= 9; ++p, ++places)
-      hundredths = hundredths * 10 + static_cast<unsigned>(*p - '0');
-  }
-  for (; places < 2; ++places) hundredths *= 10;
+  uint64_t whole = 0;
+  p = lf::numparse::digits_into(p, end, whole);
+  const bool plain = p - first <= kMostWholeDigits && p != end && (p != first || *p == '.');
   p = next_comma(p, end);
   if (p != end) ++p;
-  return plain ? static_cast<double>(hundredths + 1) / 100 : HUGE_VAL;
+  return plain ? static_cast<double>(whole + 1) : HUGE_VAL;
 }
 
 // Whether the loading of a branch report line (the fourth to seventh fields
@@ -617,7 +611,8 @@ class Reader {
     std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
       return case_generators_[a].bus < case_generators_[b].bus;
     });
-    std::map<int, std::size_t> next;  // bus -> place in rows of its next row as read
+    // By the first place in rows of a bus: how many of its rows have been taken.
+    std::vector<std::size_t> taken(rows.size() + 1, 0);
     for (ReportLines f(stem_ + ".LP5"); f.next();) {
       Generator g;
       bool read[4];
@@ -625,18 +620,17 @@ class Reader {
           !f.take(g.merged, read[3]) || !read[1] || !read[2])
         continue;
       if (!read[0]) g.bus = 0;
-      const auto [at, first] = next.try_emplace(g.bus, 0);
-      std::size_t& k = at->second;
-      if (first)
-        k = static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), g.bus,
-                                                      [&](std::size_t row, int bus) {
-                                                        return case_generators_[row].bus < bus;
-                                                      }) -
-                                     rows.begin());
-      if (k < rows.size() && case_generators_[rows[k]].bus == g.bus) {
+      const std::size_t first =
+          static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), g.bus,
+                                                    [&](std::size_t row, int bus) {
+                                                      return case_generators_[row].bus < bus;
+                                                    }) -
+                                   rows.begin());
+      if (const std::size_t k = first + taken[first];
+          k < rows.size() && case_generators_[rows[k]].bus == g.bus) {
         const Generator& row = case_generators_[rows[k]];
         g.type = row.type, g.qmin = row.qmin, g.qmax = row.qmax;
-        ++k;
+        ++taken[first];
       }
       r_.generators.push_back(g);
     }
