@@ -24,6 +24,9 @@ ReportFile::ReportFile(const std::string& path, Mode mode)
   std::remove(path.c_str());
   f_ = std::fopen(path.c_str(), "w");
   if (!f_ && mode == kNew) stop_run("Can't open file " + path);
+  // The lines go out from buf_ in large pieces: a buffer of the stream's
+  // own would only split each piece in two writes.
+  if (f_) std::setvbuf(f_, nullptr, _IONBF, 0);
 }
 
 ReportFile::~ReportFile() {

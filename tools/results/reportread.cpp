@@ -192,7 +192,11 @@ bool may_reach(std::string_view line, double least) {
 class ReportLines {
  public:
   explicit ReportLines(const std::string& path)
-      : file_(std::fopen(path.c_str(), "rb")), buf_(new char[kPiece]), size_(kPiece) {}
+      : file_(std::fopen(path.c_str(), "rb")), buf_(new char[kPiece]), size_(kPiece) {
+    // The file is read in large pieces straight into buf_, not through a
+    // buffer of the stream's own.
+    if (file_) std::setvbuf(file_, nullptr, _IONBF, 0);
+  }
   ~ReportLines() {
     if (file_) std::fclose(file_);
   }
@@ -343,12 +347,13 @@ class ReportLines {
       buf_ = std::move(more);
       size_ *= 2;
     }
-    const std::size_t n = std::fread(buf_.get() + end_, 1, size_ - end_, file_);
-    if (n == 0) {
+    const std::size_t wanted = size_ - end_;
+    const std::size_t n = std::fread(buf_.get() + end_, 1, wanted, file_);
+    if (n < wanted) {  // the end of the file (or an error): nothing more to ask for
       std::fclose(file_);
       file_ = nullptr;
-      return false;
     }
+    if (n == 0) return false;
     // Quotes and carriage returns are rare (the first line of the bus
     // report): lines after the last of them need no cleaning.
     for (const char c : {'\'', '\r'}) {
