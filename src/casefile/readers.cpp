@@ -70,7 +70,7 @@ void rl1(const std::string& path) {
   int32_t i = 0;
   for (;;) {
     const int32_t k = i + 1;
-    room_for(k, LL1.basekv.size(), grow_buses);
+    room_for(k, L1.busname.size(), grow_buses);  // the smallest of the bus records
     double vmax_kv = 0, vmin_kv = 0;
     if (!in(L1.busname[k], LL1.basekv[k], LL1.busarea[k], vmax_kv, vmin_kv)) break;
     i = k;

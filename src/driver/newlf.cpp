@@ -1,5 +1,6 @@
 #include "driver/newlf.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -34,6 +35,10 @@ int32_t adjflag = 0;
 namespace {
 
 constexpr int32_t kMaxAdjustments = 10;
+// The highest row of NEW that an ordering has numbered in this process: the
+// rows above it are still zero as they came, so that clearing NEW for the
+// next case stops there instead of writing the whole table.
+int32_t new_rows_numbered = 0;
 // 0.01 held in single precision: hundredths of a second to seconds.
 constexpr double kCentiseconds = 0.0099999997764825821;
 
@@ -156,13 +161,15 @@ void newlf(int32_t& convergent) {
   }
 
   adjcount = 0;
-  NEW.fill(0);
+  NEW.clear(static_cast<std::size_t>(new_rows_numbered));
   fomy11();  // the ordering
+  new_rows_numbered = std::max(new_rows_numbered, NO.MAXBUS);
   fomy12();  // the admittance matrix
   dcval();   // the DC lines
 
   if (LFINF.method > 4) LFINF.method = 0;
   iterate(convergent);
+  release_factors();
 
   // The results, converged or not, to the database or to the report files.
   if (RTDBLSCMN.rtdbmode != 0) {

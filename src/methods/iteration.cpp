@@ -12,11 +12,6 @@
 
 namespace lf {
 
-int32_t internal_bus(int32_t reduced) {
-  if (reduced < 1 || static_cast<std::size_t>(reduced) > NEW.size()) return 0;
-  return NEW[reduced];
-}
-
 void start_models() {
   UDWORK = 100;
   if (NU.nud != 0) initlf();

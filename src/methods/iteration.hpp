@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "sparse/ymatrix.hpp"
 #include "store/store.hpp"
 #include "store/vpq.hpp"
 #include "support/angles.hpp"
@@ -22,8 +23,12 @@ inline int32_t iter_type(int32_t mode_ctrl) {
   return mode_ctrl == kTypePQVlim ? kTypePQ : mode_ctrl;
 }
 
-// Internal number of a reduced bus number, 0 when it has none.
-int32_t internal_bus(int32_t reduced);
+// Internal number of a reduced bus number, 0 when it has none.  Inline: the
+// mismatch loops ask it for every generator and load in every iteration.
+inline int32_t internal_bus(int32_t reduced) {
+  if (reduced < 1 || static_cast<std::size_t>(reduced) > NEW.size()) return 0;
+  return NEW[reduced];
+}
 
 // A slack bus: its generator row or its load row has type 0 (GLP must be set).
 inline bool slack_bus(int32_t i) {

@@ -36,4 +36,10 @@ void optimu(int32_t& status);   // method 2: correction scaled by the optimum fa
 void inewton(int32_t& status);  // method 3: current equations
 void nlfast(int32_t& status);   // constant Jacobian with the exact second-order term
 
+// Gives back the memory of the Jacobian's factors once the iterations are
+// over: nothing reads them afterwards, the writing of the results takes the
+// memory instead of fresh pages, and the next calculation lays them out anew
+// in any case.
+void release_factors();
+
 }  // namespace lf

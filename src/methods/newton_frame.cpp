@@ -22,7 +22,6 @@ NewtonWork& newton_work() {
     a->grow(n);
   w.IA.grow(n + 1);
   w.JA.grow(w.nent);
-  w.A.grow(w.nent);
   // The table names a bus by the first case bus whose reduced number has its
   // internal number; one that has none is shown by the bus after the last.
   const int32_t nbus = LFINF.nbus;
@@ -36,16 +35,21 @@ NewtonWork& newton_work() {
   return w;
 }
 
+void release_factors() {
+  NWORK.factors = BlockStore{};
+}
+
 namespace {
 
+// The Jacobian's blocks by position, as jacobian_sink with `first` wrote them.
 BlockValues values_of(const NewtonWork& w) {
-  return {w.A.data()};
+  return {w.factors.low.data()};
 }
 
 }  // namespace
 
 BlockSink jacobian_sink(NewtonWork& w, bool first) {
-  return first ? BlockSink{w.A.data(), nullptr} : load_sink(w.factors);
+  return first ? position_sink(w.factors, w.nent) : load_sink(w.factors);
 }
 
 void factorise_solve(NewtonWork& w, bool first, const Arr<double>& r1, const Arr<double>& r2,

@@ -36,9 +36,11 @@ struct NewtonWork {
   Arr<double> X1, X2;          // corrections of E and F
   Arr<double> C1, C2;          // the power of the correction alone
   Arr<int32_t> IA, JA;         // the Jacobian by rows
-  Arr<MatrixBlock> A;          // its blocks by position
-  BlockChains chains;          // the column chains of the Jacobian, linked with each new pattern
-  BlockStore factors;          // its block factors, sized by the fill-in they need
+  BlockChains chains;          // where the Jacobian's rows pass the diagonal, with each new pattern
+  // Its block factors, sized by the fill-in they need; their load store
+  // (factors.low) also takes the Jacobian's blocks by position when the
+  // fill-in is found anew.
+  BlockStore factors;
   Arr<int32_t> FIRST;  // by internal bus: the first reduced number with that internal number
   // True when correct() has moved E, F since TH was last set: the angles
   // then follow from E, F through settle_angles, which the methods call on
@@ -70,8 +72,9 @@ extern NewtonWork NWORK;
 NewtonWork& newton_work();
 
 // Where the Jacobian's blocks go for factorise_solve with the same `first`:
-// by position into A when the fill-in is to be found anew, otherwise
-// straight into the order in which the factorisation reads them.
+// by position into the factors' load store when the fill-in is to be found
+// anew, otherwise straight into the order in which the factorisation reads
+// them.
 BlockSink jacobian_sink(NewtonWork& w, bool first);
 
 // Forms the Jacobian's factors and solves them for the right-hand sides

@@ -24,6 +24,9 @@ ReportFile::ReportFile(const std::string& path, Mode mode)
   std::remove(path.c_str());
   f_ = std::fopen(path.c_str(), "w");
   if (!f_ && mode == kNew) stop_run("Can't open file " + path);
+  // The lines go out from buf_ in large pieces: a buffer of the stream's
+  // own would only split each piece in two writes.
+  if (f_) std::setvbuf(f_, nullptr, _IONBF, 0);
 }
 
 ReportFile::~ReportFile() {
@@ -32,14 +35,12 @@ ReportFile::~ReportFile() {
   std::fclose(f_);
 }
 
-char* ReportFile::room(std::size_t n) {
-  if (used_ + n > capacity_) {
-    const std::size_t grown = std::max(2 * capacity_, used_ + n);
-    std::unique_ptr<char[]> more(new char[grown]);
-    std::memcpy(more.get(), buf_.get(), used_);
-    buf_ = std::move(more);
-    capacity_ = grown;
-  }
+char* ReportFile::grow(std::size_t n) {
+  const std::size_t grown = std::max(2 * capacity_, used_ + n);
+  std::unique_ptr<char[]> more(new char[grown]);
+  std::memcpy(more.get(), buf_.get(), used_);
+  buf_ = std::move(more);
+  capacity_ = grown;
   return buf_.get() + used_;
 }
 
@@ -54,20 +55,12 @@ void ReportFile::text(std::string_view s) {
 }
 
 void ReportFile::ints(std::initializer_list<long long> v, int w) {
-  char* p = room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
-  for (long long x : v) {
-    p = put_i(p, x, w);
-    *p++ = ',';
-  }
+  char* p = put_i(room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1)), v, w, ',');
   used_ = static_cast<std::size_t>(p - buf_.get());
 }
 
 void ReportFile::reals(std::initializer_list<double> v, int w, int d) {
-  char* p = room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1));
-  for (double x : v) {
-    p = put_f(p, x, w, d);
-    *p++ = ',';
-  }
+  char* p = put_f(room(v.size() * (static_cast<std::size_t>(std::max(w, 0)) + 1)), v, w, d, ',');
   used_ = static_cast<std::size_t>(p - buf_.get());
 }
 

@@ -35,7 +35,9 @@ class ReportFile {
 
  private:
   // Where n more characters go, with room made for them.
-  char* room(std::size_t n);
+  char* room(std::size_t n) { return used_ + n <= capacity_ ? buf_.get() + used_ : grow(n); }
+  // room when the buffer must grow first.
+  char* grow(std::size_t n);
   std::FILE* f_ = nullptr;
   std::unique_ptr<char[]> buf_;  // lines not yet written
   std::size_t capacity_ = 0;     // characters buf_ has room for

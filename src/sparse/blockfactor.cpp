@@ -30,16 +30,25 @@ inline BlockStore::Sum forward_step(const double* piv, double r1, double r2,
   return {e2 * (-b) * inv + e1 * inv * d, e2 * inv * a + e1 * (-c) * inv};
 }
 
+// Where numeric finds the matrix's blocks: by position (the blocks handed to
+// the factorisation that finds the fill-in), or by place in the order of
+// loads (f.low, for a refactorisation).
+struct BlockSource {
+  const MatrixBlock* a;
+  bool by_position;
+};
+
 // Loads the entries of the column at place c on and below the diagonal into
 // side 0 of the work row and those of its row right of the diagonal into
 // side 1.  The work row already holds the pattern of the factor, which
-// covers the matrix's; the entries stand together in f.low.
-void load(const BlockStore& f, int32_t c, BlockWork& w) {
+// covers the matrix's.
+void load(const BlockStore& f, int32_t c, const BlockSource& src, BlockWork& w) {
   const int32_t* start = f.load_start.data() + 2 * c - 1;  // side 0, side 1, end
+  const Link* loads = f.loads.data();
   for (int side = 0; side < 2; ++side) {
     for (int32_t t = start[side]; t < start[side + 1]; ++t) {
-      const double* b = f.low[static_cast<std::size_t>(t) + 1].v;
-      w.set(side, f.loads[static_cast<std::size_t>(t)].row, b[0], b[1], b[2], b[3]);
+      const double* b = src.a[src.by_position ? loads[t].pos : t + 1].v;
+      w.set(side, loads[t].row, b[0], b[1], b[2], b[3]);
     }
   }
 }
@@ -111,10 +120,10 @@ bool store(FactorBlock* lv, FactorBlock* uv, const int32_t* ju, int32_t i, int32
   return finite;
 }
 
-// The values of the factors on the pattern laid out, place by place; with
-// right-hand sides, also the forward part of the solution with them, into
-// f.sol.
-void numeric(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
+// The values of the factors on the pattern laid out, place by place, from
+// the blocks in src; with right-hand sides, also the forward part of the
+// solution with them, into f.sol.
+void numeric(const BlockPattern& A, BlockStore& f, const BlockSource& src, const BlockRhs* rhs) {
   const int32_t n = A.n;
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
@@ -145,7 +154,7 @@ void numeric(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
     }
     const std::size_t from = static_cast<std::size_t>(start[static_cast<std::size_t>(c)]);
     const std::size_t to = static_cast<std::size_t>(start[static_cast<std::size_t>(c) + 1]);
-    load(f, c, w);
+    load(f, c, src, w);
     BlockStore::Sum sum{0.0, 0.0};
     eliminate(iu, ju, f.lval.data(), f.uval.data(), above.data() + from, to - from,
               above.size() - from, w, y, sum);
@@ -193,54 +202,22 @@ void backward(BlockStore& f, Arr<double>& x1, Arr<double>& x2) {
 }  // namespace
 
 void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch) {
-  const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  const std::size_t ents = n > 0 ? static_cast<std::size_t>(ia[n + 1] - 1) : 0;
-  for (Arr<int32_t>* a : {&ch.chrow, &ch.chpos}) {
-    a->grow(ents);
-    a->clear(ents);
-  }
-  for (Arr<int32_t>* a : {&ch.chfirst, &ch.chfirstrow, &ch.upfirst}) {
-    a->grow(rows);
-    a->clear(rows);
-  }
-  Arr<int32_t>&chrow = ch.chrow, &chpos = ch.chpos, &chfirst = ch.chfirst,
-  &chfirstrow = ch.chfirstrow, &upfirst = ch.upfirst;
-  std::vector<int32_t> last(rows, 0);
+  ch.upfirst.grow(static_cast<std::size_t>(std::max(n, 0)) + 1);
   for (int32_t r = 1; r <= n; ++r) {
-    for (int32_t p = ia[r]; p < ia[r + 1]; ++p) {
-      const int32_t c = ja[p];
-      if (c < r && chfirst[c] == 0) {
-        chfirst[c] = p;
-        chfirstrow[c] = r;
-      }
-      if (int32_t l = last[static_cast<std::size_t>(c)]; l != 0) {
-        chrow[l] = r;
-        chpos[l] = p;
-      }
-      last[static_cast<std::size_t>(c)] = p;
-      if (c == r) {
-        chfirst[r] = p;
-        chfirstrow[r] = r;
-        upfirst[r] = p + 1;
-        break;
-      }
-      if (c > r) {
-        chfirst[r] = 0;
-        upfirst[r] = p;
-        break;
-      }
-    }
-  }
-  for (int32_t c = 1; c <= n; ++c) {
-    if (int32_t l = last[static_cast<std::size_t>(c)]; l != 0) {
-      chrow[l] = chfirstrow[c];
-      chpos[l] = chfirst[c];
-    }
+    int32_t p = ia[r];
+    while (p < ia[r + 1] && ja[p] < r) ++p;
+    ch.upfirst[r] = p < ia[r + 1] && ja[p] == r ? p + 1 : p;
   }
 }
 
 BlockSink load_sink(BlockStore& f) {
   return {f.low.data(), f.value_at.data()};
+}
+
+BlockSink position_sink(BlockStore& f, int32_t positions) {
+  const std::size_t need = static_cast<std::size_t>(std::max(positions, 0)) + 1;
+  if (f.low.size() < need) f.low.resize(need);
+  return {f.low.data(), nullptr};
 }
 
 // One pass along the rows, which reads the matrix in the order it is
@@ -256,14 +233,13 @@ void place_values(const BlockPattern& A, const BlockValues& v, BlockStore& f) {
 
 void nonsym74(const BlockPattern& A, const BlockValues& v, BlockStore& f, const BlockRhs* rhs) {
   lay_out_factors(A, f);
-  place_values(A, v, f);
-  numeric(A, f, rhs);
+  numeric(A, f, {v.a, true}, rhs);
 }
 
 void nonsym74o(const BlockPattern& A, BlockStore& f, const BlockRhs* rhs) {
   f.overflow_at = 0;
   if (A.n < 1) return;
-  numeric(A, f, rhs);
+  numeric(A, f, {f.low.data(), false}, rhs);
 }
 
 void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,

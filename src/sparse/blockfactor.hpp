@@ -31,7 +31,7 @@
 // they give the same factors to the last bit.
 //
 // The routines take three small views and stores: BlockPattern, the
-// matrix's rows and column chains; BlockValues, its blocks; BlockStore, the
+// matrix's rows and where their upper parts begin; BlockValues, its blocks; BlockStore, the
 // factors with the work memory that their calculation keeps between calls.
 #pragma once
 
@@ -44,21 +44,18 @@
 
 namespace lf {
 
-// The column chains of the matrix on and below the diagonal, as adlink7l
-// links them: for column c, chfirst[c] is the diagonal's position
-// (chfirstrow[c] = c), chpos leads on through the entries below it in
-// ascending row, chrow naming the row of the entry led to, and the last
-// entry leads back to chfirst[c].  upfirst[r] is the position of the first
-// entry right of the diagonal of row r.  All 1-based, written by adlink7l,
-// read by the factorisations.
+// What adlink7l links of the matrix: upfirst[r], the position of the first
+// entry right of the diagonal of row r (1-based, by row 1..n), so that the
+// layout of the factors walks each row's part on and below the diagonal and
+// its part right of it apart.  Written by adlink7l, read by nonsym74.
 struct BlockChains {
-  Arr<int32_t> chrow, chpos;                  // by matrix position
-  Arr<int32_t> chfirst, chfirstrow, upfirst;  // by row or column, 1..n
+  Arr<int32_t> upfirst;
 };
 
 // A view of the matrix's pattern: n block rows, ia[1..n+1] the first
 // position of each row, ja the column of each position (ascending, the
-// diagonal among them), and the chains linked over them.
+// diagonal among them), and where each row's part right of the diagonal
+// begins.
 struct BlockPattern {
   int32_t n = 0;
   const int32_t* ia = nullptr;
@@ -139,8 +136,12 @@ struct BlockStore {
   std::vector<int32_t> value_at;
   // The matrix's blocks by place in the order of loads: copied there by
   // place_values, or written there through load_sink; read by each
-  // factorisation.
-  std::vector<MatrixBlock, HugePageAlloc<MatrixBlock>> low;
+  // factorisation.  Before a factorisation that finds the fill-in, the same
+  // store may hold the blocks by position instead (position_sink), which
+  // that factorisation reads there; the later ones then overwrite them.  It
+  // only grows, and its memory comes zeroed and untouched, so that room the
+  // matrix does not use costs nothing.
+  std::vector<MatrixBlock, ZeroAlloc<MatrixBlock>> low;
   BlockWork work{0};  // the dense work row of the factorisations, by place
   // The two unknowns of a block row by place, 1..n: the right-hand side,
   // then the forward and then the backward solution, written and read by the
@@ -151,7 +152,8 @@ struct BlockStore {
   std::vector<Sum> sol;
 };
 
-// Links the column chains of the matrix (rows ia, columns ja, n rows).
+// Finds where the part right of the diagonal of each row of the matrix
+// begins (rows ia, columns ja, n rows).
 void adlink7l(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, BlockChains& ch);
 
 // The right-hand sides of a solution that goes along with a factorisation,
@@ -163,7 +165,8 @@ struct BlockRhs {
 };
 
 // Factorises the matrix, finding the fill-in: builds the pattern of the
-// factors, its layouts and the values.  A pivot block whose determinant is at
+// factors, its layouts and the values, reading the blocks of v by position
+// (they may stand in f.low, written through position_sink).  A pivot block whose determinant is at
 // most 1e-20 in size gets the determinant +-1e-20.  With rhs, also the
 // forward part of the solution with it.
 void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f, const BlockRhs* rhs);
@@ -171,6 +174,12 @@ void nonsym74(const BlockPattern& a, const BlockValues& v, BlockStore& f, const 
 // Where a matrix of the pattern that nonsym74 laid out in f puts its blocks
 // for nonsym74o: straight into f.low.
 BlockSink load_sink(BlockStore& f);
+
+// Where a matrix of up to `positions` positions puts its blocks by position
+// for nonsym74 with the values {f.low.data()}: into f.low itself, so that
+// the blocks by position and the blocks in the order of the factorisation
+// share one store.  f.low grows to hold them; it moves only here.
+BlockSink position_sink(BlockStore& f, int32_t positions);
 
 // Copies the blocks of a matrix of the pattern laid out in f, given by
 // position, into f.low for nonsym74o.
@@ -181,7 +190,7 @@ void place_values(const BlockPattern& a, const BlockValues& v, BlockStore& f);
 // change, nothing is added.  rhs as for nonsym74.
 void nonsym74o(const BlockPattern& a, BlockStore& f, const BlockRhs* rhs);
 
-// The whole factorisation in one call, chains included, for a matrix given
+// The whole factorisation in one call, adlink7l included, for a matrix given
 // by its rows alone.
 void nonsym(const Arr<int32_t>& ia, const Arr<int32_t>& ja, int32_t n, const BlockValues& v,
             BlockStore& f);

@@ -1,6 +1,7 @@
 #include "sparse/blocklayout.hpp"
 
 #include <algorithm>
+#include <memory_resource>
 #include <vector>
 
 namespace lf {
@@ -30,14 +31,12 @@ void group_by(int32_t keys, std::vector<int32_t>& start, std::vector<Link>& out,
 // The first position right of the diagonal in row r of the matrix, the end
 // of the row when there is none.
 int32_t upper_from(const BlockPattern& A, int32_t r) {
-  const int32_t up = A.chains->upfirst[r];
-  return up != 0 ? up : A.ia[r + 1];
+  return A.chains->upfirst[r];
 }
 
 // Calls put(c, row, p) for each entry of the matrix on and below the
-// diagonal, row by row: the entries of the column chains of adlink7l, each
-// column's in the order its chain runs (ascending row), read in the order
-// they are stored.
+// diagonal, row by row in the order they are stored, so that each column's
+// entries come in ascending row.
 template <typename Put>
 void each_lower(const BlockPattern& A, Put&& put) {
   for (int32_t r = 1; r <= A.n; ++r)
@@ -49,30 +48,32 @@ void each_lower(const BlockPattern& A, Put&& put) {
 // ascending; parent[i] the first of them (0 for none), its parent in the
 // elimination tree.
 struct RowPattern {
-  std::vector<int32_t> iu, ju, parent;
+  std::pmr::vector<int32_t> iu, ju, parent;
 };
 
 // The pattern found without values.  Row i of U, and column i of L at the
-// same positions, holds the columns right of i of the matrix's row i and the
-// rows below i of its column i, and the fill that the elimination of the
-// earlier rows with an entry in column i brings: the columns right of i of
-// those rows.  The rows whose parent is i are enough, as each such earlier
-// row has handed its columns on to its parent, and so on up to row i.
-RowPattern symbolic(const BlockPattern& A) {
+// same positions, holds the columns right of i of the matrix's row i (which,
+// the pattern being structurally symmetric, are the rows below i of its
+// column i), and the fill that the elimination of the earlier rows with an
+// entry in column i brings: the columns right of i of those rows.  The rows
+// whose parent is i are enough, as each such earlier row has handed its
+// columns on to its parent, and so on up to row i.
+RowPattern symbolic(const BlockPattern& A, std::pmr::memory_resource* mem) {
   const int32_t n = A.n;
   const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  // The matrix's rows below the diagonal of each column.
-  std::vector<int32_t> lstart;
-  std::vector<Link> lower;
-  group_by(n, lstart, lower, [&](auto&& put) { each_lower(A, put); });
-  RowPattern f;
+  RowPattern f{std::pmr::vector<int32_t>(mem), std::pmr::vector<int32_t>(mem),
+               std::pmr::vector<int32_t>(mem)};
   f.iu.assign(rows + 1, 0);
   f.parent.assign(rows, 0);
-  // The factor holds at least the matrix's own entries; fill-in grows it.
-  f.ju.reserve(n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1);
+  // The rows hold the diagonal and the part right of it, about half the
+  // matrix's entries, and the fill-in: room for the whole matrix and one
+  // more per row covers the fill of networks (a tenth or so above the
+  // matrix), so that the pattern is seldom copied into twice the room.
+  f.ju.reserve((n > 0 ? static_cast<std::size_t>(A.ia[n + 1]) : 1) + rows);
   f.ju.push_back(0);  // positions count from 1
   // Per row: the first of its children and the next child of its parent.
-  std::vector<int32_t> child(rows, 0), sibling(rows, 0), mark(rows, 0), cols;
+  std::pmr::vector<int32_t> child(rows, 0, mem), sibling(rows, 0, mem), mark(rows, 0, mem),
+      cols(mem);
   f.iu[1] = 1;
   for (int32_t i = 1; i <= n; ++i) {
     const std::size_t ii = static_cast<std::size_t>(i);
@@ -82,8 +83,6 @@ RowPattern symbolic(const BlockPattern& A) {
       mark[static_cast<std::size_t>(j)] = i;
       cols.push_back(j);
     };
-    for (int32_t t = lstart[ii]; t < lstart[ii + 1]; ++t)
-      if (const int32_t r = lower[static_cast<std::size_t>(t)].row; r != i) add(r);
     for (int32_t p = upper_from(A, i); p < A.ia[i + 1]; ++p) add(A.ja[p]);
     for (int32_t k = child[ii]; k != 0; k = sibling[static_cast<std::size_t>(k)]) {
       const std::size_t kk = static_cast<std::size_t>(k);
@@ -108,9 +107,11 @@ RowPattern symbolic(const BlockPattern& A) {
 // elimination tree, the children of a row by ascending number, the trees by
 // the ascending number of their roots.  Every row comes after the rows below
 // it in its tree, which are the rows it takes from.
-std::vector<int32_t> working_order(const std::vector<int32_t>& parent, int32_t n) {
+std::vector<int32_t> working_order(const std::pmr::vector<int32_t>& parent, int32_t n,
+                                   std::pmr::memory_resource* mem) {
   const std::size_t rows = static_cast<std::size_t>(std::max(n, 0)) + 1;
-  std::vector<int32_t> head(rows, 0), next(rows, 0), order(rows, 0), path;
+  std::pmr::vector<int32_t> head(rows, 0, mem), next(rows, 0, mem), path(mem);
+  std::vector<int32_t> order(rows, 0);
   for (int32_t i = n; i >= 1; --i) {
     const std::size_t p = static_cast<std::size_t>(parent[static_cast<std::size_t>(i)]);
     if (p == 0) continue;
@@ -138,7 +139,7 @@ std::vector<int32_t> working_order(const std::vector<int32_t>& parent, int32_t n
 // Stores the rows of the pattern in the working order, their columns named
 // by place.  Along the way up a tree both the numbers and the places rise,
 // so each row's columns stay ascending.
-void place_rows(const RowPattern& p, const std::vector<int32_t>& place, BlockStore& f) {
+void place_rows(const RowPattern& p, const std::pmr::vector<int32_t>& place, BlockStore& f) {
   const int32_t n = f.n;
   f.iu.assign(static_cast<std::size_t>(n) + 2, 0);
   f.ju.resize(p.ju.size());
@@ -158,7 +159,7 @@ void place_rows(const RowPattern& p, const std::vector<int32_t>& place, BlockSto
 // Lays out the entries of U by the place of their column, each column's by
 // ascending row number: the earlier rows that its elimination takes, in the
 // order it takes them.
-void lay_out_above(const std::vector<int32_t>& place, BlockStore& f) {
+void lay_out_above(const std::pmr::vector<int32_t>& place, BlockStore& f) {
   const int32_t* iu = f.iu.data();
   const int32_t* ju = f.ju.data();
   group_by(f.n, f.start, f.above, [&](auto&& put) {
@@ -170,10 +171,10 @@ void lay_out_above(const std::vector<int32_t>& place, BlockStore& f) {
 }
 
 // Lays out the matrix's entries that each column's step loads, by the place
-// of the column: first those on and below the diagonal of the column as its
-// chain runs, then those right of the diagonal of its row; with the place of
+// of the column: first those on and below the diagonal of the column by
+// ascending row, then those right of the diagonal of its row; with the place of
 // each in value_at and room for their blocks in low.
-void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, BlockStore& f) {
+void lay_out_loads(const BlockPattern& A, const std::pmr::vector<int32_t>& place, BlockStore& f) {
   const auto at = [&](int32_t i) { return place[static_cast<std::size_t>(i)]; };
   group_by(2 * A.n, f.load_start, f.loads, [&](auto&& put) {
     each_lower(A, [&](int32_t c, int32_t row, int32_t p) { put(2 * at(c) - 1, at(row), p); });
@@ -183,16 +184,26 @@ void lay_out_loads(const BlockPattern& A, const std::vector<int32_t>& place, Blo
   f.value_at.assign((A.n > 0 ? static_cast<std::size_t>(A.ia[A.n + 1]) : 1) + kSinkAhead, 0);
   for (std::size_t t = 0; t < f.loads.size(); ++t)
     f.value_at[static_cast<std::size_t>(f.loads[t].pos)] = static_cast<int32_t>(t) + 1;
-  f.low.resize(f.loads.size() + 1);
+  // Each position is loaded at most once, so a store that holds the blocks
+  // by position (position_sink) is large enough already and stays in place.
+  if (f.low.size() < f.loads.size() + 1) f.low.resize(f.loads.size() + 1);
 }
 
 }  // namespace
 
 void lay_out_factors(const BlockPattern& a, BlockStore& f) {
   f.n = a.n;
-  const RowPattern p = symbolic(a);
-  f.order = working_order(p.parent, a.n);
-  std::vector<int32_t> place(f.order.size(), 0);
+  // No step of a factorisation reads the work row before it has cleared or
+  // written it, so until then its memory holds the work arrays of the
+  // layout: they take no memory beside the factors, and what they leave is
+  // overwritten.  Should they need more, the rest comes from the heap.
+  f.work.fit(a.n);
+  std::pmr::monotonic_buffer_resource scratch(f.work.cell.data(),
+                                              f.work.cell.size() * sizeof(BlockWork::Cell),
+                                              std::pmr::new_delete_resource());
+  const RowPattern p = symbolic(a, &scratch);
+  f.order = working_order(p.parent, a.n, &scratch);
+  std::pmr::vector<int32_t> place(f.order.size(), 0, &scratch);
   for (int32_t c = 1; c <= a.n; ++c) place[static_cast<std::size_t>(f.order[c])] = c;
   place_rows(p, place, f);
   lay_out_above(place, f);

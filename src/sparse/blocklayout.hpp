@@ -7,8 +7,9 @@
 
 namespace lf {
 
-// Lays out f for the matrix's pattern: order, iu, ju (and room in val),
-// start/above and load_start/loads/load_slot (and room in low).
+// Lays out f for the matrix's pattern: order, iu, ju (and room in lval,
+// uval), start/above and load_start/loads/value_at (and room in low, which
+// only grows).
 void lay_out_factors(const BlockPattern& a, BlockStore& f);
 
 }  // namespace lf

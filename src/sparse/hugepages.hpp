@@ -2,6 +2,9 @@
 // several megabytes is placed on 2 MB boundaries and the system is asked to
 // back it by huge pages, so that walking it misses the address translation
 // cache far less on a large network.  Small stores come from the heap.
+// A new element is left as the memory holds it: the stores that use this
+// allocator (the factors' blocks, the work row) are written before they
+// are read, so clearing them would only cost a pass over the memory.
 #pragma once
 
 #include <sys/mman.h>
@@ -9,6 +12,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace lf {
 
@@ -30,6 +34,12 @@ struct HugePageAlloc {
     return static_cast<T*>(p);
   }
   void deallocate(T* p, std::size_t) { std::free(p); }
+  template <typename U>
+  void construct(U*) {}
+  template <typename U, typename... A>
+  void construct(U* p, A&&... a) {
+    ::new (static_cast<void*>(p)) U(std::forward<A>(a)...);
+  }
   bool operator==(const HugePageAlloc&) const = default;
 };
 

@@ -68,7 +68,8 @@ int32_t MARKL23 = 0;
 int32_t CL23 = 0;
 int32_t UPCLF = 0;
 
-L1Rec L1 = sized<L1Rec>(kCapBus);
+L1Rec L1;  // growable: sized by the reading of the buses (grow_buses), since its
+           // blank-padded names would otherwise be written for kCapBus buses at start-up
 LL1Rec LL1 = sized<LL1Rec>(kCapBus);
 IJRec IJB = sized<IJRec>(kCapBranch);
 IJRec IJC = sized<IJRec>(kCapBranch);
@@ -87,7 +88,7 @@ LPRec L6P = sized<LPRec>(kCapLoad);
 L6PPRec L6PP = sized<L6PPRec>(kCapLoad);
 L7Rec L7 = sized<L7Rec>(kCapArea);
 LL7Rec LL7 = sized<LL7Rec>(kCapArea);
-L10Rec L10 = sized<L10Rec>(kCapFactor);
+L10Rec L10;  // growable: sized by the reading of the factor records
 ABCLCRec ABCLC = sized<ABCLCRec>(kCapLoadPar);
 L13Rec L13 = sized<L13Rec>(kCapSwitch);
 NNTOONRec NNTOON = sized<NNTOONRec>(kCapBus);

@@ -19,7 +19,6 @@ constexpr std::size_t kCapGen = 3000;
 constexpr std::size_t kCapLoad = 6000;
 constexpr std::size_t kCapDc = 20;
 constexpr std::size_t kCapArea = 200;
-constexpr std::size_t kCapFactor = 3000;
 constexpr std::size_t kCapLoadPar = 80;
 constexpr std::size_t kCapSwitch = 10000;
 

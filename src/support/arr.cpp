@@ -30,13 +30,16 @@ constexpr bool kPool = true;
 // is not touched.  A block given back becomes free room for later blocks;
 // room that was written must be zeroed again before it is handed out, by
 // clearing it when small, by giving its pages back to the system when large.
+// Clearing pages that are resident costs far less than the faults that
+// bring given-back pages in again, so only blocks of some hundred kilobytes
+// go back: most of a block that large is seldom written again.
 // Written free room is given back to the system as a whole when it exceeds
 // kDirtyLimit and fresh pages are wanted, so that resident memory stays
 // close to what the live arrays use.
 constexpr std::size_t kPage = 4096;
 constexpr std::size_t kFirstChunk = std::size_t{32} << 20;  // bytes of the first mapping
 constexpr std::size_t kOwnMapping = std::size_t{16} << 20;  // a block this large is mapped alone
-constexpr std::size_t kClearFrom = std::size_t{16} << 10;   // written room this large goes back
+constexpr std::size_t kClearFrom = std::size_t{256} << 10;  // written room this large goes back
 constexpr std::size_t kDirtyLimit = std::size_t{4} << 20;   // written free room kept at most
 constexpr int kMaxChunks = 64;
 constexpr int kMaxFree = 1024;

@@ -6,6 +6,7 @@
 // longer text and puts blanks in front of a shorter one.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -24,5 +25,8 @@ void put_f(std::string& out, double v, int w, int d);
 // max(w, 0) characters.  Returns the end of the field.
 char* put_i(char* f, long long v, int w);
 char* put_f(char* f, double v, int w, int d);
+// Fields one after another, each followed by the character `after`.
+char* put_i(char* f, std::initializer_list<long long> v, int w, char after);
+char* put_f(char* f, std::initializer_list<double> v, int w, int d, char after);
 
 }  // namespace lf

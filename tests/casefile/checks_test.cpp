@@ -45,6 +45,7 @@ class Scaling : public ::testing::Test {
     LFINF.nload = 2;
     const double kv[] = {220.0, 230.0, 110.0, 110.0};
     const int32_t area[] = {1, 2, 3, 1};
+    grow_buses(4);
     for (int32_t b = 1; b <= 4; ++b) {
       L1.busname[b] = "BUS" + std::to_string(b);
       LL1.basekv[b] = kv[b - 1];
@@ -58,6 +59,7 @@ class Scaling : public ::testing::Test {
   void factor(int32_t area, double kv, const char* name1, double pg, double qg, double pl,
               double ql) {
     const int32_t k = ++LF93.ctrl_fact;
+    L10.grow(static_cast<std::size_t>(k));
     L10.area[k] = area;
     L10.kv[k] = kv;
     L10.name1[k] = name1;

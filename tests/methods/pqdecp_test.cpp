@@ -46,6 +46,7 @@ void three_bus(int gen2_type) {
     RXB.T[k] = br.t;
   }
   const char* names[] = {"", "SLACK", "GEN2", "LOAD3"};
+  grow_buses(3);
   for (int s = 1; s <= 3; ++s) {
     L1.busname[s] = names[s];
     NNTOON[s] = s;

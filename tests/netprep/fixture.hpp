@@ -16,6 +16,7 @@ inline void reset(int32_t nbus) {
   NO = NORec{};
   NNTOON.nnode = NNTOON.nbase = NNTOON.maxno = 0;
   LFINF.nbus = nbus;
+  grow_buses(static_cast<std::size_t>(nbus));
   for (int32_t i = 1; i <= nbus; ++i) {
     char name[16];
     std::snprintf(name, sizeof name, "B%d", i);

@@ -29,6 +29,7 @@ class AreaCase : public testing::Test {
     NO.nnode = 4;
     const int32_t area[] = {1, 2, 3, 1};
     const char* names[] = {"ALPHA", "BETA", "GAMMA", "DELTA"};
+    grow_buses(4);
     for (int32_t b = 1; b <= 4; ++b) {
       NEW[b] = NNTOON[b] = b;
       LL1.busarea[b] = area[b - 1];

@@ -32,6 +32,7 @@ inline void reset_store() {
   NU = {};
   NNTOON.nbase = NNTOON.nnode = NNTOON.maxno = 0;
   NNTOON.map.fill(0);
+  grow_buses(4);
   L5OLD.ngenold = L5OLD.genmerged = 0;
   L6PP.nloadold = 0;
   NEW.fill(0);

@@ -106,12 +106,25 @@ TEST(SummaryReading, KeepsTheBranchesThatTheWholeReadingRanksFirst) {
       "1, 2, 5, *****, 0.0, 1.0, 0.0, 0, 0,\n1, 3, 6, 1.0, 0.0, 1.0, 0.0, 0, 0,\n"
       "2, 3, 7, 0.0, 2.0, 0.0, 0.0, 0, 0,\n1, 2, 8, 5.0, 0.0, 0.0, 0.0, 0, 0,\n"
       "1, 3, 9, 2.0, 0.0, 0.0, 0.0, 0, 0,\n";
+  // Then enough lines for the reading to pass over those it can tell from
+  // their text are too light, among them heavy ones whose text does not
+  // show it at a glance: an exponent, a sign, a long whole part.
+  std::string more = lp2;
+  for (int k = 10, x = 7; k < 400; ++k, x = (x * 37 + 11) % 1000) {
+    const std::string p = k == 150   ? "0.9e1"
+                          : k == 250 ? "-8.75"
+                          : k == 300 ? "+0000000000000000009.5"
+                          : k == 399 ? "   9.1   "
+                                     : std::to_string(x / 200.0);
+    more += "1, 2, " + std::to_string(k) + ", 0.5, " + (k % 2 ? p : "0.1") + ", 0.0, " +
+            (k % 2 ? "0.2" : p) + ", 0, 0,\n";
+  }
   for (const auto& [ext, text] :
        {std::pair<const char*, std::string>{
-            "L0", "3 9 0 0 0 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n"},
+            "L0", "3 399 0 0 0 0 0 0 0 0 0\n100 1.1 0.9 1e-8 1 20 0 0 0 0\n"},
         {"L1", "'A' 110 1 0 0\n'B' 110 1 0 0\n'C' 110 1 0 0\n"},
         {"LP1", std::string(kStamp) + "1, 1.0, 0.0,\n2, 1.0, 0.0,\n"},
-        {"LP2", lp2}})
+        {"LP2", more}})
     std::ofstream(folder + "/C." + ext) << text;
   lfres::CaseResults all, few;
   lfres::read_file_results(folder + "/C", all);
@@ -121,7 +134,7 @@ TEST(SummaryReading, KeepsTheBranchesThatTheWholeReadingRanksFirst) {
     for (const lfres::Branch* b : lfres::by_loading(r, lfres::kBranchesShown)) no.push_back(b->no);
     return no;
   };
-  EXPECT_EQ(ranked(all), (std::vector<int>{8, 1, 2, 4, 7}));
+  EXPECT_EQ(ranked(all), (std::vector<int>{300, 399, 150, 250, 8}));
   EXPECT_EQ(ranked(few), ranked(all));
 }
 

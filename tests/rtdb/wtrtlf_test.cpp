@@ -32,7 +32,7 @@ class WriteTest : public TestDb {
     RMXMVALID = 1;
     NEW.grow(3);
     NEW[1] = 2, NEW[2] = 1, NEW[3] = 0;
-    NNTOON.grow(3);
+    grow_buses(3);
     for (int i = 1; i <= 3; ++i) NNTOON[i] = i;
     VPQ.grow(2);
     GLP.grow(2);

@@ -121,8 +121,9 @@ TEST(FreeReader, ReportsErrorsAndEndOfFileKeepingWhatWasRead) {
   EXPECT_FALSE(missing(a));
 }
 
-// The rows of tests/data/formats.txt: 2.675 is stored just below the tie;
-// 9.9999999 carries into 10.00, too wide for F4.2.
+// The rows of tests/data/formats.txt: 2.675 and 2.000005 are stored just
+// below the tie, 5e-11 just above it; 9.9999999 carries into 10.00, too wide
+// for F4.2; the widest values take more than sixteen digits.
 TEST(Fmt, FieldsOfTheTable) {
   for (const std::string& row : test::file_lines(LF_TEST_DATA_DIR "/formats.txt")) {
     if (row.empty() || row[0] == '#') continue;

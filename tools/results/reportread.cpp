@@ -69,6 +69,117 @@ const char* past_blanks(const char* p, const char* end) {
   return p;
 }
 
+// The first comma from p on, or end; eight characters at a time while
+// eight are left.
+const char* next_comma(const char* p, const char* end) {
+  constexpr uint64_t kCommas = 0x2c2c2c2c2c2c2c2cu, kOnes = 0x0101010101010101u;
+  constexpr uint64_t kHighs = 0x8080808080808080u;
+  constexpr bool kLowFirst = std::endian::native == std::endian::little;  // byte order
+  for (; kLowFirst && end - p >= 8; p += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, sizeof word);
+    const uint64_t x = word ^ kCommas;  // a zero byte where a comma stands
+    if (const uint64_t zero = (x - kOnes) & ~x & kHighs; zero != 0)
+      return p + std::countr_zero(zero) / 8;
+  }
+  while (p != end && *p != ',') ++p;
+  return p;
+}
+
+// The value of the eight digits at p, when all eight are digits.
+bool eight_digits(const char* p, uint64_t& value) {
+  constexpr uint64_t kZeros = 0x3030303030303030u, kHighNibbles = 0xF0F0F0F0F0F0F0F0u;
+  constexpr uint64_t kToNextTen =
+      0x0606060606060606u;  // carries a byte above '9' out of its nibble
+  uint64_t w = 0;
+  std::memcpy(&w, p, sizeof w);
+  if ((w & kHighNibbles) != kZeros || ((w + kToNextTen) & kHighNibbles) != kZeros) return false;
+  w -= kZeros;                                      // digit values, the first in the lowest byte
+  w = w * 10 + (w >> 8);                            // pairs of digits, in every other byte
+  constexpr uint64_t kPairs = 0x000000FF000000FFu;  // the first and third pair of each half
+  value = ((w & kPairs) * (100 + (uint64_t{1000000} << 32)) +
+           ((w >> 16) & kPairs) * (1 + (uint64_t{10000} << 32))) >>
+          32;
+  return true;
+}
+
+// A plain decimal as the reports write it (a sign, digits, a point,
+// digits) converted with its decimals taken eight at a time, to the value
+// quick_real gives: digits that form an integer of at most 2^53, divided by
+// an exact power of ten.  nullptr for any other text (no point, an
+// exponent, more digits), which quick_real takes.
+const char* report_decimal(const char* p, const char* end, double& value) {
+  constexpr std::ptrdiff_t kMostDigits = 19;
+  const bool negative = p != end && *p == '-';
+  if (negative) ++p;
+  const char* start = p;
+  uint64_t w = 0, eight = 0;
+  p = lf::numparse::digits_into(p, end, w);
+  if (p == end || *p != '.') return nullptr;
+  const char* fraction = ++p;
+  for (; end - p >= 8 && eight_digits(p, eight); p += 8) w = w * 100'000'000 + eight;
+  if (p - start > kMostDigits) return nullptr;  // w may have overflowed
+  p = lf::numparse::digits_into(p, end, w);
+  const std::ptrdiff_t places = p - fraction;
+  if (p - start - 1 > kMostDigits || p - start == 1 || places > lf::numparse::kMostPow10 ||
+      w > lf::numparse::kExact || (p != end && (*p == 'e' || *p == 'E')))
+    return nullptr;
+  const double x = static_cast<double>(w) / lf::numparse::kPow10[places];
+  value = negative ? -x : x;
+  return p;
+}
+
+// Whether [p, end) holds no byte from 0x40 on: neither a letter, which
+// could make a field a number of another form (an exponent, a hexadecimal
+// number, an infinity), nor a byte outside ASCII.
+bool no_letters(const char* p, const char* end) {
+  constexpr uint64_t kHighBits = 0xC0C0C0C0C0C0C0C0u;  // set in every byte from 0x40 on
+  uint64_t any = 0;
+  for (; end - p >= 8; p += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, sizeof word);
+    any |= word;
+  }
+  for (; p != end; ++p) any |= static_cast<unsigned char>(*p);
+  return (any & kHighBits) == 0;
+}
+
+// More than the magnitude of the field from p on, read from its start
+// alone, when the field holds no letter: its whole part plus one, when it
+// starts (after blanks and a sign) with a digit or a point; such a field
+// is a number only as a plain decimal.  Infinity when it starts otherwise.
+// p moves past the field's comma.
+double magnitude_bound(const char*& p, const char* end) {
+  constexpr int kMostWholeDigits = 15;  // whole parts exact in a double
+  p = past_blanks(p, end);
+  if (p != end && (*p == '-' || *p == '+')) ++p;
+  const char* first = p;
+  uint64_t whole = 0;
+  p = lf::numparse::digits_into(p, end, whole);
+  const bool plain = p - first <= kMostWholeDigits && p != end && (p != first || *p == '.');
+  p = next_comma(p, end);
+  if (p != end) ++p;
+  return plain ? static_cast<double>(whole + 1) : HUGE_VAL;
+}
+
+// Whether the loading of a branch report line (the fourth to seventh fields
+// the powers at its two ends) may reach `least`: false only when the text
+// of the powers shows that both ends stay below it.
+bool may_reach(std::string_view line, double least) {
+  constexpr double kMargin = 1e-9;  // for the rounding of the squares
+  const char *p = line.data(), *end = p + line.size();
+  for (int k = 0; k < 3; ++k) {
+    p = next_comma(p, end);
+    if (p == end) return true;
+    ++p;
+  }
+  if (!no_letters(p, end)) return true;
+  double b[4];
+  for (double& x : b) x = magnitude_bound(p, end);
+  const double limit = least * least * (1 - kMargin);
+  return !(b[0] * b[0] + b[1] * b[1] < limit && b[2] * b[2] + b[3] * b[3] < limit);
+}
+
 // A report file read a piece at a time and handed out a line at a time,
 // each line split into its fields: the text between commas outside quotes,
 // without the quotes, carriage returns and the blanks at either end.  The
@@ -81,7 +192,11 @@ const char* past_blanks(const char* p, const char* end) {
 class ReportLines {
  public:
   explicit ReportLines(const std::string& path)
-      : file_(std::fopen(path.c_str(), "rb")), buf_(new char[kPiece]), size_(kPiece) {}
+      : file_(std::fopen(path.c_str(), "rb")), buf_(new char[kPiece]), size_(kPiece) {
+    // The file is read in large pieces straight into buf_, not through a
+    // buffer of the stream's own.
+    if (file_) std::setvbuf(file_, nullptr, _IONBF, 0);
+  }
   ~ReportLines() {
     if (file_) std::fclose(file_);
   }
@@ -130,6 +245,9 @@ class ReportLines {
     split();
     return bounds_.size();
   }
+  // The present line when it stands as in the file (no quotes nor carriage
+  // returns to take out), else empty.
+  std::string_view plain() const { return split_ ? std::string_view() : line_; }
   std::vector<std::string> fields() {
     std::vector<std::string> out;
     for (std::size_t k = 0; k < size(); ++k) out.emplace_back((*this)[k]);
@@ -145,7 +263,11 @@ class ReportLines {
   // field.
   bool take(double& v, bool& ok) {
     return take(
-        v, ok, [](const char* p, const char* e, double& x) { return lf::quick_real(p, e, x); },
+        v, ok,
+        [](const char* p, const char* e, double& x) {
+          const char* end = report_decimal(p, e, x);
+          return end ? end : lf::quick_real(p, e, x);
+        },
         number);
   }
   bool take(int& v, bool& ok) { return take(v, ok, lf::quick_int, integer); }
@@ -225,12 +347,13 @@ class ReportLines {
       buf_ = std::move(more);
       size_ *= 2;
     }
-    const std::size_t n = std::fread(buf_.get() + end_, 1, size_ - end_, file_);
-    if (n == 0) {
+    const std::size_t wanted = size_ - end_;
+    const std::size_t n = std::fread(buf_.get() + end_, 1, wanted, file_);
+    if (n < wanted) {  // the end of the file (or an error): nothing more to ask for
       std::fclose(file_);
       file_ = nullptr;
-      return false;
     }
+    if (n == 0) return false;
     // Quotes and carriage returns are rare (the first line of the bus
     // report): lines after the last of them need no cleaning.
     for (const char c : {'\'', '\r'}) {
@@ -414,9 +537,10 @@ class Reader {
     int last = 0;
     for (std::size_t k = 1; f.next(); ++k) {
       int bus = 0;
-      std::string_view field[3];
-      if (!f.take(field[0]) || !f.take(field[1]) || !f.take(field[2])) continue;
-      if (!integer(field[0], bus)) {
+      double v = 0, angle = 0;
+      bool read[3];
+      if (!f.take(bus, read[0]) || !f.take(v, read[1]) || !f.take(angle, read[2])) continue;
+      if (!read[0]) {
         if (connected_.empty()) read_connected();
         bus = last + 1;
         while (bus <= static_cast<int>(r_.buses.size()) &&
@@ -429,7 +553,8 @@ class Reader {
         continue;
       }
       Bus& b = r_.buses[static_cast<std::size_t>(bus - 1)];
-      b.solved = number(field[1], b.v) && number(field[2], b.angle);
+      b.solved = read[1] && read[2];
+      if (b.solved) b.v = v, b.angle = angle;
     }
     return true;
   }
@@ -438,6 +563,7 @@ class Reader {
   // does not read is no number.
   void read_branches(const char* ext, bool transformer) {
     for (ReportLines f(stem_ + ext); f.next();) {
+      if (least_ > 0 && !may_reach(f.plain(), least_)) continue;  // cannot be ranked first
       Branch b;
       b.transformer = transformer;
       bool fields = true, ends = true, powers[6];
@@ -475,6 +601,9 @@ class Reader {
     for (std::size_t k = 0; k < r_.branches.size(); ++k)
       if (ranked[k]) r_.branches[n++] = r_.branches[k];
     r_.branches.resize(n);
+    if (n < only_.branches) return;
+    least_ = HUGE_VAL;
+    for (const Branch& b : r_.branches) least_ = std::min(least_, b.loading());
   }
 
   // Generator report lines stand in the order of the rows as read, without
@@ -487,7 +616,8 @@ class Reader {
     std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
       return case_generators_[a].bus < case_generators_[b].bus;
     });
-    std::map<int, std::size_t> next;  // bus -> place in rows of its next row as read
+    // By the first place in rows of a bus: how many of its rows have been taken.
+    std::vector<std::size_t> taken(rows.size() + 1, 0);
     for (ReportLines f(stem_ + ".LP5"); f.next();) {
       Generator g;
       bool read[4];
@@ -495,18 +625,17 @@ class Reader {
           !f.take(g.merged, read[3]) || !read[1] || !read[2])
         continue;
       if (!read[0]) g.bus = 0;
-      const auto [at, first] = next.try_emplace(g.bus, 0);
-      std::size_t& k = at->second;
-      if (first)
-        k = static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), g.bus,
-                                                      [&](std::size_t row, int bus) {
-                                                        return case_generators_[row].bus < bus;
-                                                      }) -
-                                     rows.begin());
-      if (k < rows.size() && case_generators_[rows[k]].bus == g.bus) {
+      const std::size_t first =
+          static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), g.bus,
+                                                    [&](std::size_t row, int bus) {
+                                                      return case_generators_[row].bus < bus;
+                                                    }) -
+                                   rows.begin());
+      if (const std::size_t k = first + taken[first];
+          k < rows.size() && case_generators_[rows[k]].bus == g.bus) {
         const Generator& row = case_generators_[rows[k]];
         g.type = row.type, g.qmin = row.qmin, g.qmax = row.qmax;
-        ++k;
+        ++taken[first];
       }
       r_.generators.push_back(g);
     }
@@ -567,8 +696,11 @@ class Reader {
 
   std::string stem_;
   CaseResults& r_;
-  static constexpr std::size_t kBatch = 256;  // branches read between two cuts
-  const SummaryOnly& only_;                   // what the caller lets the reading leave out
+  static constexpr std::size_t kBatch = 32;  // branches kept between two cuts
+  // With only_.branches above 0 and that many kept: the least loading among
+  // them, which a further branch must reach to be kept.  0 before.
+  double least_ = 0;
+  const SummaryOnly& only_;  // what the caller lets the reading leave out
   int counts_[7] = {};  // buses, lines, transformers, DC lines, generators, loads, areas of .L0
   double vmax_ = 0, vmin_ = 0, tolerance_ = 0;
   std::vector<bool> connected_;  // by case bus: at an end of a branch in service; read when needed
