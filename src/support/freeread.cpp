@@ -164,7 +164,8 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
   return false;
 }
 
-// Takes the plain value at p (not blank) into its item: a number that
+// Takes the plain value at p (not blank; at the line's end there is none)
+// into its item: a number that
 // converts quickly; or for a text item a text without star that does not
 // start with a slash or comma, up to a separator or the line's end, or a
 // text between quotes on this line without doubled quotes.  Gives the end
@@ -176,10 +177,9 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
   const auto ends = [&](const char* q) { return q == last || ends_value(*q); };
   // One digit alone, most numbers of a case, needs no conversion.
   const unsigned digit = static_cast<unsigned char>(*p) - unsigned{'0'};
-  const bool one_digit = digit <= 9 && ends(p + 1);
   switch (it.kind) {
     case ReadItem::Kind::Int: {
-      if (one_digit) {
+      if (digit <= 9 && ends(p + 1)) {
         *static_cast<int32_t*>(it.p) = static_cast<int32_t>(digit);
         return p + 1;
       }
@@ -190,7 +190,7 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
       return q;
     }
     case ReadItem::Kind::Real: {
-      if (one_digit) {
+      if (digit <= 9 && ends(p + 1)) {
         *static_cast<double*>(it.p) = digit;
         return p + 1;
       }
@@ -220,7 +220,7 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
       const char* q = p;
       for (; q != last && !ends_text(*q); ++q) {
       }
-      if (q != last && *q == '*') return nullptr;
+      if (q == p || (q != last && *q == '*')) return nullptr;
       store(it, std::string_view(p, static_cast<std::size_t>(q - p)), false);
       return q;
     }
@@ -230,9 +230,10 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
 
 // The separator behind a value at p: blanks and at most one comma, on this
 // line, and the blanks behind the comma; gives where the next value starts,
-// or the end of the line.
+// or the end of the line.  The byte at the line's end may be read: it is a
+// line end or a zero, never a blank.
 [[gnu::always_inline]] inline const char* past_separator(const char* p, const char* end) {
-  if (end - p > 1 && *p == ' ' && !ends_value(p[1])) return p + 1;  // one blank, the common case
+  if (*p == ' ' && !ends_value(p[1])) return p + 1;  // one blank, the common case
   while (p != end && is_blank(*p)) ++p;
   if (p != end && *p == ',') {
     ++p;
@@ -256,7 +257,7 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   while (p != end && is_blank(*p)) ++p;
   const std::size_t n = items.size();
   std::size_t k = 0;
-  for (; k != n && p != end; ++k) {
+  for (; k != n; ++k) {
     const char* after = plain(items[k], p, end);
     if (after == nullptr) break;
     p = past_separator(after, end);
