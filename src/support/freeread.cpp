@@ -29,7 +29,7 @@ void FreeReader::close() {
   open_ = false;
 }
 
-bool FreeReader::next_line(std::string_view& out) {
+inline bool FreeReader::next_line(std::string_view& out) {
   const std::string_view text = file_.text();
   if (!open_) return false;
   if (pos_ >= text.size()) {
