@@ -8,6 +8,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "common/files.hpp"
 #include "support/fmt.hpp"
@@ -119,6 +120,55 @@ TEST(FreeReader, ReportsErrorsAndEndOfFileKeepingWhatWasRead) {
   FreeReader missing;
   EXPECT_FALSE(missing.open("/nonexistent/lf/file.L0"));
   EXPECT_FALSE(missing(a));
+}
+
+// A table's text with \n, \r, \t and \0 for the bytes they stand for.
+std::string unescape(std::string_view t) {
+  std::string out;
+  for (std::size_t k = 0; k < t.size(); ++k) {
+    if (t[k] != '\\' || k + 1 == t.size()) {
+      out += t[k];
+      continue;
+    }
+    const char e = t[++k];
+    out += e == 'n' ? '\n' : e == 'r' ? '\r' : e == 't' ? '\t' : e == '0' ? '\0' : e;
+  }
+  return out;
+}
+
+// The rows of tests/data/freeread_lines.txt, each a file of its own.
+TEST(FreeReader, StatementsOfTheTable) {
+  for (const std::string& row : test::file_lines(LF_TEST_DATA_DIR "/freeread_lines.txt")) {
+    if (row.empty() || row[0] == '#') continue;
+    const std::size_t bar = row.find(" | "), last_bar = row.rfind(" | ");
+    const std::string kinds = row.substr(0, bar);
+    FreeReader r(write_temp("t", unescape(row.substr(bar + 3, last_bar - bar - 3))));
+    int32_t i[4] = {99, 99, 99, 99};
+    double x[4] = {99.5, 99.5, 99.5, 99.5};
+    Text<5> c[4];
+    for (Text<5>& t : c) t = std::string_view("~");
+    std::string s[4] = {"~", "~", "~", "~"};
+    std::vector<ReadItem> items;
+    for (std::size_t k = 0; k < kinds.size(); ++k)
+      items.push_back(kinds[k] == 'I'   ? ReadItem::of(i[k])
+                      : kinds[k] == 'R' ? ReadItem::of(x[k])
+                      : kinds[k] == 'C' ? ReadItem::of(c[k])
+                                        : ReadItem::of(s[k]));
+    std::string got;
+    if (r.read(items)) {
+      for (std::size_t k = 0; k < kinds.size(); ++k) {
+        got += k ? ";" : "";
+        got += kinds[k] == 'I'   ? std::to_string(i[k])
+               : kinds[k] == 'R' ? (std::ostringstream() << x[k]).str()
+               : kinds[k] == 'C' ? c[k].str()
+                                 : s[k];
+      }
+    } else {
+      got = (r.at_end() ? "end " : "fail ") + std::to_string(r.failed_item()) +
+            (r.at_end() ? "" : " '" + r.failed_text() + "'");
+    }
+    EXPECT_EQ(got, unescape(row.substr(last_bar + 3))) << row;
+  }
 }
 
 // The rows of tests/data/formats.txt: 2.675 and 2.000005 are stored just
