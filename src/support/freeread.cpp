@@ -164,70 +164,6 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
   return false;
 }
 
-// Takes the plain value at p (not blank; at the line's end there is none)
-// into its item: a number that
-// converts quickly; or for a text item a text without star that does not
-// start with a slash or comma, up to a separator or the line's end, or a
-// text between quotes on this line without doubled quotes.  Gives the end
-// of the value, or nullptr when the value is not of that kind and the item
-// is left alone.  Inlined into both of the reader's loops, which spend most
-// of their time in it.
-[[gnu::always_inline]] inline const char* plain(const ReadItem& it, const char* p,
-                                                const char* last) {
-  const auto ends = [&](const char* q) { return q == last || ends_value(*q); };
-  // One digit alone, most numbers of a case, needs no conversion.
-  const unsigned digit = static_cast<unsigned char>(*p) - unsigned{'0'};
-  switch (it.kind) {
-    case ReadItem::Kind::Int: {
-      if (digit <= 9 && ends(p + 1)) {
-        *static_cast<int32_t*>(it.p) = static_cast<int32_t>(digit);
-        return p + 1;
-      }
-      int32_t v = 0;
-      const char* q = quick_int_padded(p, last, v);
-      if (q == nullptr || !ends(q)) return nullptr;
-      *static_cast<int32_t*>(it.p) = v;
-      return q;
-    }
-    case ReadItem::Kind::Real: {
-      if (digit <= 9 && ends(p + 1)) {
-        *static_cast<double*>(it.p) = digit;
-        return p + 1;
-      }
-      // A number of many digits converts in the C++ library's correctly
-      // rounded way when the value is a normal one.
-      double v = 0;
-      const char* q = quick_real_padded(p, last, v, Exponents::EorD);
-      if (q == nullptr) {
-        const auto [ptr, ec] = std::from_chars(past_plus(p, last), last, v);
-        q = ec == std::errc() && std::isnormal(v) ? ptr : nullptr;
-      }
-      if (q == nullptr || !ends(q)) return nullptr;
-      *static_cast<double*>(it.p) = v;
-      return q;
-    }
-    case ReadItem::Kind::Chars:
-    case ReadItem::Kind::String: {
-      const char quote = *p;
-      if (quote == '\'' || quote == '"') {
-        const auto* close = static_cast<const char*>(
-            std::memchr(p + 1, quote, static_cast<std::size_t>(last - p - 1)));
-        if (close == nullptr || (close + 1 != last && close[1] == quote)) return nullptr;
-        store(it, std::string_view(p + 1, static_cast<std::size_t>(close - p - 1)), true);
-        return close + 1;
-      }
-      if (quote == ',' || quote == '/') return nullptr;
-      const char* q = p;
-      for (; q != last && !ends_text(*q); ++q) {
-      }
-      if (q == p || (q != last && *q == '*')) return nullptr;
-      store(it, std::string_view(p, static_cast<std::size_t>(q - p)), false);
-      return q;
-    }
-  }
-  return nullptr;
-}
-
 // The separator behind a value at p: blanks and at most one comma, on this
 // line, and the blanks behind the comma; gives where the next value starts,
 // or the end of the line.  The byte at the line's end may be read: it is a
@@ -240,6 +176,80 @@ bool store(const ReadItem& it, std::string_view text, bool quoted) {
     while (p != end && is_blank(*p)) ++p;
   }
   return p;
+}
+
+// Takes the plain value at p (not blank; at the line's end there is none)
+// into its item: a number that converts quickly; or for a text item a text
+// without star that does not start with a slash or comma, up to a separator
+// or the line's end, or a text between quotes on this line without doubled
+// quotes.  Gives where the next value starts, past the separator, or
+// nullptr when the value is not of that kind and the item is left alone.
+// Inlined into both of the reader's loops, which spend most of their time
+// in it.
+[[gnu::always_inline]] inline const char* plain(const ReadItem& it, const char* p,
+                                                const char* last) {
+  // Where the next value starts when a number ends at q, or nullptr when
+  // neither a separator nor the line's end follows it.
+  const auto next = [last](const char* q) -> const char* {
+    if (*q == ' ' && !ends_value(q[1])) return q + 1;  // one blank, the common case
+    if (q != last && !ends_value(*q)) return nullptr;
+    return past_separator(q, last);
+  };
+  // One digit alone, most numbers of a case, needs no conversion.
+  const unsigned digit = static_cast<unsigned char>(*p) - unsigned{'0'};
+  switch (it.kind) {
+    case ReadItem::Kind::Int: {
+      if (digit <= 9) {
+        if (const char* n = next(p + 1)) {
+          *static_cast<int32_t*>(it.p) = static_cast<int32_t>(digit);
+          return n;
+        }
+      }
+      int32_t v = 0;
+      const char* q = quick_int_padded(p, last, v);
+      const char* n = q != nullptr ? next(q) : nullptr;
+      if (n != nullptr) *static_cast<int32_t*>(it.p) = v;
+      return n;
+    }
+    case ReadItem::Kind::Real: {
+      if (digit <= 9) {
+        if (const char* n = next(p + 1)) {
+          *static_cast<double*>(it.p) = digit;
+          return n;
+        }
+      }
+      // A number of many digits converts in the C++ library's correctly
+      // rounded way when the value is a normal one.
+      double v = 0;
+      const char* q = quick_real_padded(p, last, v, Exponents::EorD);
+      if (q == nullptr) {
+        const auto [ptr, ec] = std::from_chars(past_plus(p, last), last, v);
+        q = ec == std::errc() && std::isnormal(v) ? ptr : nullptr;
+      }
+      const char* n = q != nullptr ? next(q) : nullptr;
+      if (n != nullptr) *static_cast<double*>(it.p) = v;
+      return n;
+    }
+    case ReadItem::Kind::Chars:
+    case ReadItem::Kind::String: {
+      const char quote = *p;
+      if (quote == '\'' || quote == '"') {
+        const auto* close = static_cast<const char*>(
+            std::memchr(p + 1, quote, static_cast<std::size_t>(last - p - 1)));
+        if (close == nullptr || (close + 1 != last && close[1] == quote)) return nullptr;
+        store(it, std::string_view(p + 1, static_cast<std::size_t>(close - p - 1)), true);
+        return past_separator(close + 1, last);
+      }
+      if (quote == ',' || quote == '/') return nullptr;
+      const char* q = p;
+      for (; q != last && !ends_text(*q); ++q) {
+      }
+      if (q == p || (q != last && *q == '*')) return nullptr;
+      store(it, std::string_view(p, static_cast<std::size_t>(q - p)), false);
+      return past_separator(q, last);
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -258,9 +268,9 @@ bool FreeReader::read(std::span<const ReadItem> items) {
   const std::size_t n = items.size();
   std::size_t k = 0;
   for (; k != n; ++k) {
-    const char* after = plain(items[k], p, end);
-    if (after == nullptr) break;
-    p = past_separator(after, end);
+    const char* next = plain(items[k], p, end);
+    if (next == nullptr) break;
+    p = next;
   }
   item_ = k;
   return k == n || read_rest(items, p, end);
@@ -295,8 +305,8 @@ bool FreeReader::read_rest(std::span<const ReadItem> items, const char* p, const
       // converted as its end is found, or a text up to the next separator.
       // A slash, a quote, a null, a star or a number that needs the full
       // conversion leaves it to the rules below.
-      if (const char* after = plain(it, p, end)) {
-        p = past_separator(after, end);
+      if (const char* next = plain(it, p, end)) {
+        p = next;
         continue;
       }
       if (*p == '/') return true;
